@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# The whole test run: sanitizer build, optional stages that other parts of the
+# tree provide (arm64 under qemu, fuzz replay), then the default build whose
+# ctest summary ends the output.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+jobs=$(nproc)
+
+cmake --preset asan >/dev/null
+cmake --build --preset asan -j"$jobs"
+ctest --preset asan -j"$jobs" --output-on-failure
+
+for stage in scripts/test-arm64.sh fuzz/ci.sh; do
+  if [ -x "$stage" ]; then
+    echo "== $stage"
+    "$stage"
+  fi
+done
+
+cmake --preset default >/dev/null
+cmake --build --preset default -j"$jobs"
+ctest --preset default -j"$jobs"
