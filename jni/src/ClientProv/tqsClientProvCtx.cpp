@@ -1,0 +1,3 @@
+// Provisioning context: construction from the document tree, conversion
+// rules and release.
+#include "tqsClientProvCtx.h"
