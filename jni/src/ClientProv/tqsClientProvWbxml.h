@@ -12,8 +12,7 @@
 #ifndef TQS_CLIENT_PROV_WBXML_H
 #define TQS_CLIENT_PROV_WBXML_H
 
-#include <stddef.h>
-#include <stdint.h>
+#include "tqstypes.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -248,10 +247,10 @@ typedef struct tqsWbxmlDecoder {
 /* ---- Creation and release ----------------------------------------------- */
 
 /* Copies nLength bytes of pBody into a new decoder. 0, or 2 (null body / no memory). */
-uint32_t tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder, const unsigned char *pBody,
-                                       uint32_t nLength);
+TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder, const unsigned char *pBody,
+                                        uint32_t nLength);
 /* 2 for null; otherwise frees the string table, the buffer and the record. */
-uint32_t tqsClientProvWbxmlDeleteDecoder(tqsWbxmlDecoder *ptDecoder);
+TqsResult tqsClientProvWbxmlDeleteDecoder(tqsWbxmlDecoder *ptDecoder);
 
 /* Each returns 0 for null and 1 after releasing the record and what it owns. */
 uint32_t tqsClientProvWbxmlDeleteWapDoc(tqsWapDoc *ptWapDoc);
