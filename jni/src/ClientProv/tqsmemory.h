@@ -36,9 +36,9 @@ char *tqsStrdup_debug(const char *text, const char *file, uint32_t line);
 void *tqsMemReAlloc_debug(void *old, uint32_t size, const char *file, uint32_t line);
 void tqsMemFree_debug(void *block);
 
-void tqsMemStartMemCheck(void);
+TQS_EXPORT void tqsMemStartMemCheck(void);
 // Prints one "[syncml] MEMCHECK ..." line per live tracked block, then stops tracking.
-void tqsMemEndMemCheck(void);
+TQS_EXPORT void tqsMemEndMemCheck(void);
 MemCheckEntry *tqsMemGetIndex(void);
 MemCheckEntry *tqsMemGetEmptyIndex(void);
 MemCheckEntry *tqsMemFindByAddress(const void *block);

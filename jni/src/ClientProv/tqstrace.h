@@ -14,12 +14,12 @@ extern "C" {
 #define TQC_DUMP_BUFFER_SIZE 32000u
 
 // Target of tqcTraceDump22's hex dump.
-extern char _szBuffer[TQC_DUMP_BUFFER_SIZE];
+TQS_EXPORT extern char _szBuffer[TQC_DUMP_BUFFER_SIZE];
 
 typedef void (*TqcTraceSink)(const char *line);
 
 // Installs the receiver of every finished line; null uninstalls it.
-void tqcTraceSetSink(TqcTraceSink sink);
+TQS_EXPORT void tqcTraceSetSink(TqcTraceSink sink);
 
 void tqcTrace(const char *format, ...) __attribute__((format(printf, 1, 2)));
 void tqcTraceError(int64_t code);

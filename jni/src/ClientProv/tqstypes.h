@@ -9,6 +9,10 @@
 extern "C" {
 #endif
 
+// Marks the few symbols a host reaches in the shared library (the build hides
+// everything else).
+#define TQS_EXPORT __attribute__((visibility("default")))
+
 // One UCS-2 code unit.
 typedef uint16_t TqsWChar;
 

@@ -1,0 +1,243 @@
+#include "tqslist.h"
+
+#include "tqsmemory.h"
+
+static const char kUnitPath[] = "jni/src/ClientProv/tqslist";
+
+// Allocation lines that the leak report shows.
+static const uint32_t kLineList = 38;
+static const uint32_t kLineCreateNode = 47;
+static const uint32_t kLineLastNode = 78;
+static const uint32_t kLineFirstNode = 120;
+
+static_assert(sizeof(TqsListNode) == 2 * sizeof(void *), "TqsListNode: pItem, ptNext");
+static_assert(sizeof(TqsList) == 3 * sizeof(void *), "TqsList: nCount, ptHead, ptCur");
+
+namespace {
+
+TqsListNode *NewNode(void *item, uint32_t line) {
+    auto *node =
+        static_cast<TqsListNode *>(tqsMemAllocSetZero_debug(sizeof(TqsListNode) + 1, kUnitPath, line));
+    if (node != nullptr) node->pItem = item;
+    return node;
+}
+
+// The item release rule shared by every delete operation.
+void ReleaseItem(TqsListNode *node, TqsListReleaseFn release) {
+    if (node->pItem == nullptr || release == TQS_LIST_KEEP_ITEMS) return;
+    if (release == nullptr) {
+        tqsMemFree_debug(node->pItem);
+        node->pItem = nullptr;
+    } else {
+        release(node->pItem);
+    }
+}
+
+// Releases and frees every node from `node` on, iteratively.
+void FreeChain(TqsListNode *node, TqsListReleaseFn release) {
+    while (node != nullptr) {
+        TqsListNode *next = node->ptNext;
+        ReleaseItem(node, release);
+        tqsMemFree_debug(node);
+        node = next;
+    }
+}
+
+// Node at a zero-based index. Null when the chain is shorter than nCount
+// says, which tqsListGetItemIndexAndDeleteNode leaves behind: the walk stops
+// instead of following a null link.
+TqsListNode *Walk(const TqsList *list, uint32_t index) {
+    TqsListNode *node = list->ptHead;
+    for (uint32_t i = 0; i < index && node != nullptr; ++i) node = node->ptNext;
+    return node;
+}
+
+// Node before `target` (null when target is the head or not in the list).
+TqsListNode *Previous(const TqsList *list, const TqsListNode *target) {
+    for (TqsListNode *node = list->ptHead; node != nullptr; node = node->ptNext) {
+        if (node->ptNext == target) return node;
+    }
+    return nullptr;
+}
+
+void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
+    if (previous != nullptr) {
+        previous->ptNext = node->ptNext;
+    } else {
+        list->ptHead = node->ptNext;
+    }
+    tqsMemFree_debug(node);
+    list->nCount--;
+}
+
+}  // namespace
+
+extern "C" {
+
+TqsResult tqsListCreate(TqsList **out, void *item) {
+    auto *list = static_cast<TqsList *>(tqsMemAllocSetZero_debug(sizeof(TqsList) + 1, kUnitPath, kLineList));
+    if (list == nullptr) {
+        *out = nullptr;
+        return TQS_ERROR_LIST_ALLOC;
+    }
+    if (item != nullptr) {
+        TqsListNode *node = NewNode(item, kLineCreateNode);
+        if (node == nullptr) {
+            *out = nullptr;
+            tqsMemFree_debug(list);
+            return TQS_ERROR_LIST_ALLOC;
+        }
+        list->ptHead = node;
+        list->nCount = 1;
+    }
+    *out = list;
+    return TQS_OK;
+}
+
+TqsResult tqsListAddNodeLast(TqsList *list, void *item) {
+    if (list == nullptr || item == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *node = NewNode(item, kLineLastNode);
+    if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
+    if (list->ptHead == nullptr) {
+        list->ptHead = node;
+        list->nCount = 1;
+        return TQS_OK;
+    }
+    TqsListNode *last = list->ptHead;
+    while (last->ptNext != nullptr) last = last->ptNext;
+    last->ptNext = node;
+    list->nCount++;
+    return TQS_OK;
+}
+
+TqsResult tqsListAddNodeFirst(TqsList *list, void *item) {
+    if (list == nullptr || item == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *node = NewNode(item, kLineFirstNode);
+    if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
+    node->ptNext = list->ptHead;
+    list->nCount = (list->ptHead == nullptr) ? 1 : list->nCount + 1;
+    list->ptHead = node;
+    return TQS_OK;
+}
+
+TqsResult tqsListDeleteNodeFindItem(TqsList *list, void *item, TqsListReleaseFn release) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *previous = nullptr;
+    TqsListNode *node = list->ptHead;
+    while (node != nullptr && node->pItem != item) {
+        previous = node;
+        node = node->ptNext;
+    }
+    if (node == nullptr) return TQS_ERROR_NOT_FOUND;
+    if (list->ptCur == node) list->ptCur = node->ptNext;
+    ReleaseItem(node, release);
+    Unlink(list, previous, node);
+    return TQS_OK;
+}
+
+TqsResult tqsListDeleteNodeFirst(TqsList *list, TqsListReleaseFn release) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *head = list->ptHead;
+    if (head == nullptr) return TQS_OK;
+    // A cursor left on the freed head would be read after free: move it on.
+    if (list->ptCur == head) list->ptCur = head->ptNext;
+    ReleaseItem(head, release);
+    Unlink(list, nullptr, head);
+    return TQS_OK;
+}
+
+TqsResult tqsListDeleteNodeAll(TqsList *list, TqsListReleaseFn release) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    FreeChain(list->ptHead, release);
+    list->ptHead = nullptr;
+    list->ptCur = nullptr;
+    list->nCount = 0;
+    return TQS_OK;
+}
+
+TqsResult tqsListDeleteNodeAllAndList(TqsList *list, TqsListReleaseFn release) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    FreeChain(list->ptHead, release);
+    tqsMemFree_debug(list);
+    return TQS_OK;
+}
+
+TqsResult tqsListSetCurNodeFirst(TqsList *list) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    list->ptCur = list->ptHead;
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemFirst(TqsList *list, void **out) {
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;  // out deliberately untouched
+    *out = (list->ptHead != nullptr) ? list->ptHead->pItem : nullptr;
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemNext(TqsList *list, void **out) {
+    if (list == nullptr) {
+        *out = nullptr;
+        return TQS_ERROR_INVALID_PARAM;
+    }
+    if (list->ptCur == nullptr) {
+        *out = nullptr;
+        return TQS_OK;
+    }
+    *out = list->ptCur->pItem;
+    list->ptCur = list->ptCur->ptNext;
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemFirstAndDeleteNode(TqsList *list, void **out) {
+    *out = nullptr;
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *head = list->ptHead;
+    if (head == nullptr) return TQS_OK;
+    if (list->ptCur == head) list->ptCur = head->ptNext;
+    *out = head->pItem;
+    Unlink(list, nullptr, head);
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemNextAndDeleteNode(TqsList *list, void **out) {
+    *out = nullptr;
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    TqsListNode *node = list->ptCur;
+    if (list->ptHead == nullptr || node == nullptr) return TQS_OK;
+    TqsListNode *previous = (node == list->ptHead) ? nullptr : Previous(list, node);
+    *out = node->pItem;
+    list->ptCur = node->ptNext;
+    Unlink(list, previous, node);
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemIndex(TqsList *list, void **out, uint32_t index) {
+    *out = nullptr;
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
+    TqsListNode *node = Walk(list, index);
+    if (node == nullptr) return TQS_ERROR_NOT_FOUND;
+    *out = node->pItem;
+    return TQS_OK;
+}
+
+TqsResult tqsListGetItemIndexAndDeleteNode(TqsList *list, void **out, uint32_t index) {
+    *out = nullptr;
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
+    TqsListNode *node = Walk(list, index);
+    if (node == nullptr) return TQS_ERROR_NOT_FOUND;
+    *out = node->pItem;
+    // The previous node is never remembered: the head jumps past the node at
+    // index and the nodes before it drop out of the chain (unfreed).
+    // A cursor left on the freed node would be read after free: move it on.
+    if (list->ptCur == node) list->ptCur = node->ptNext;
+    Unlink(list, nullptr, node);
+    return TQS_OK;
+}
+
+uint32_t tqsListGetCount(const TqsList *list) {
+    return list->nCount;
+}
+
+}  // extern "C"
