@@ -132,7 +132,6 @@ TEST(FakeJni, StringArraysKeepInitialAndNullElements) {
 using FakeJniDeathTest = ::testing::Test;
 
 TEST(FakeJniDeathTest, MisuseAborts) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     FakeJvm jvm;
     JNIEnv *env = jvm.env();
     jbyteArray arr = env->NewByteArray(2);
