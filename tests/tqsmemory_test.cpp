@@ -1,0 +1,155 @@
+#include "tqsmemory.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "mem_check.h"
+
+namespace {
+
+const char kFile[] = "jni/src/ClientProv/test";
+
+using testing::internal::CaptureStdout;
+using testing::internal::GetCapturedStdout;
+
+TEST(TqsMemory, TrackingOffRecordsNothingAndPrintsNothing) {
+    ASSERT_EQ(bMemCheck, 0);
+    CaptureStdout();
+    void *block = tqsMemAllocSetZero_debug(16, kFile, 1);
+    ASSERT_NE(block, nullptr);
+    tqsMemFree_debug(block);
+    tqsMemFree_debug(nullptr);
+    tqsMemEndMemCheck();  // not on: no report
+    EXPECT_EQ(GetCapturedStdout(), "");
+    EXPECT_EQ(ptMemCheckTable, nullptr);
+}
+
+TEST(TqsMemory, SizesEnteredInTheTable) {
+    MemCheck check;
+    void *plain = tqsMemAlloc_debug(7, kFile, 10);
+    char *text = tqsStrdup_debug("abc", kFile, 11);
+    TqsWChar *wide = tqsMemAllocW_debug(10, kFile, 12);
+    void *dup = tqsMemDup_debug("xyzw", 4, kFile, 13);
+    std::vector<LiveBlock> live = check.Live();
+    ASSERT_EQ(live.size(), 4u);
+    EXPECT_EQ(live[0].size, 7u);
+    EXPECT_EQ(live[1].size, 3u);   // length without the zero
+    EXPECT_EQ(live[2].size, 10u);  // units, not bytes
+    EXPECT_EQ(live[3].size, 4u);
+    EXPECT_EQ(live[1].line, 11u);
+    EXPECT_EQ(live[1].file, kFile);
+    EXPECT_STREQ(text, "abc");
+    EXPECT_EQ(tqsMemCmp(dup, "xyzw", 4), 0);
+    wide[9] = 0xFFFF;  // 20 bytes really allocated (ASan checks)
+    tqsMemFree_debug(plain);
+    tqsMemFree_debug(text);
+    tqsMemFree_debug(wide);
+    tqsMemFree_debug(dup);
+    EXPECT_TRUE(check.Live().empty());
+}
+
+TEST(TqsMemory, EndMemCheckReportsLiveBlocksInTableOrder) {
+    tqsMemStartMemCheck();
+    void *a = tqsMemAllocSetZero_debug(24, "jni/src/ClientProv/tqslist", 38);
+    void *gone = tqsMemAlloc_debug(5, kFile, 2);
+    void *b = tqsMemAllocSetZero_debug(9, "jni/src/ClientProv/smlbuffer", 130);
+    tqsMemFree_debug(gone);
+    void *c = tqsMemAlloc_debug(3, kFile, 77);  // reuses the freed entry 1
+    CaptureStdout();
+    tqsMemEndMemCheck();
+    EXPECT_EQ(GetCapturedStdout(),
+              "[syncml] MEMCHECK Filename:jni/src/ClientProv/tqslist Line:38 Size:24 \n"
+              "[syncml] MEMCHECK Filename:jni/src/ClientProv/test Line:77 Size:3 \n"
+              "[syncml] MEMCHECK Filename:jni/src/ClientProv/smlbuffer Line:130 Size:9 \n");
+    EXPECT_EQ(bMemCheck, 0);
+    EXPECT_EQ(ptMemCheckTable, nullptr);
+    CaptureStdout();
+    tqsMemFree_debug(a);  // tracking off again: silent
+    tqsMemFree_debug(b);
+    tqsMemFree_debug(c);
+    EXPECT_EQ(GetCapturedStdout(), "");
+}
+
+TEST(TqsMemory, BlockFromBeforeTrackingIsReportedAsUnknownWhenFreed) {
+    void *early = tqsMemAlloc_debug(4, kFile, 1);
+    MemCheck check;
+    CaptureStdout();
+    tqsMemFree_debug(early);
+    EXPECT_EQ(GetCapturedStdout(), "[syncml] MEMCHECK Not Found Address \n");
+}
+
+TEST(TqsMemory, FullTableLeavesFurtherBlocksUntracked) {
+    MemCheck check;
+    std::vector<void *> blocks;
+    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) blocks.push_back(tqsMemAlloc_debug(1, kFile, i));
+    CaptureStdout();
+    void *extra = tqsMemAlloc_debug(1, kFile, 9999);
+    EXPECT_EQ(GetCapturedStdout(), "[syncml] MEMCHECK Not Found Empty Index\n");
+    ASSERT_NE(extra, nullptr);
+    EXPECT_EQ(check.CountAt(kFile, 9999), 0u);
+    EXPECT_EQ(check.Live().size(), TQS_MEMCHECK_ENTRIES);
+    EXPECT_EQ(tqsMemFindByAddress(blocks[5]), &ptMemCheckTable[5]);
+    EXPECT_EQ(tqsMemGetIndex(), &ptMemCheckTable[0]);
+    CaptureStdout();
+    tqsMemFree_debug(extra);
+    EXPECT_EQ(GetCapturedStdout(), "[syncml] MEMCHECK Not Found Address \n");
+    for (void *block : blocks) tqsMemFree_debug(block);
+    EXPECT_EQ(tqsMemGetIndex(), nullptr);
+}
+
+TEST(TqsMemory, ReAlloc) {
+    MemCheck check;
+    auto *old = static_cast<unsigned char *>(tqsMemAlloc_debug(8, kFile, 1));
+    for (int i = 0; i < 8; ++i) old[i] = static_cast<unsigned char>(i + 1);
+    // Size 0 or null old: null, old untouched and still tracked.
+    EXPECT_EQ(tqsMemReAlloc_debug(old, 0, kFile, 2), nullptr);
+    EXPECT_EQ(tqsMemReAlloc_debug(nullptr, 8, kFile, 2), nullptr);
+    EXPECT_EQ(check.CountAt(kFile, 1), 1u);
+    // Shrinking copies exactly size bytes and frees old.
+    auto *smaller = static_cast<unsigned char *>(tqsMemReAlloc_debug(old, 4, kFile, 3));
+    ASSERT_NE(smaller, nullptr);
+    EXPECT_EQ(smaller[0], 1);
+    EXPECT_EQ(smaller[3], 4);
+    std::vector<LiveBlock> live = check.Live();
+    ASSERT_EQ(live.size(), 1u);
+    EXPECT_EQ(live[0].line, 3u);
+    EXPECT_EQ(live[0].size, 4u);
+    tqsMemFree_debug(smaller);
+}
+
+TEST(TqsMemory, Primitives) {
+    unsigned char bytes[8];
+    EXPECT_EQ(tqsMemSet(bytes, 0xAB, 8), bytes);
+    EXPECT_EQ(bytes[7], 0xAB);
+    EXPECT_EQ(tqsMemSetZero(bytes, 4), bytes);
+    EXPECT_EQ(bytes[3], 0);
+    EXPECT_EQ(bytes[4], 0xAB);
+
+    TqsWChar wide[4] = {1, 2, 3, 4};
+    EXPECT_EQ(tqsMemSetW(wide, 0x1234, 3), 3u);
+    EXPECT_EQ(wide[2], 0x1234);
+    EXPECT_EQ(wide[3], 4);
+
+    TqsWChar src[3] = {7, 8, 9};
+    EXPECT_EQ(tqsMemCpyW(nullptr, src, 3), nullptr);
+    EXPECT_EQ(tqsMemCpyW(wide, nullptr, 3), nullptr);
+    EXPECT_EQ(wide[0], 0x1234);  // nothing copied
+    EXPECT_EQ(tqsMemCpyW(wide, src, 3), wide);
+    EXPECT_EQ(wide[2], 9);
+
+    // Unsigned byte order, whatever char's signedness.
+    EXPECT_LT(tqsMemCmp("\x01", "\x80", 1), 0);
+    EXPECT_GT(tqsMemCmp("\xFF", "\x7F", 1), 0);
+    EXPECT_EQ(tqsMemCmp("abcX", "abcY", 3), 0);
+
+    char overlap[] = "abcdef";
+    EXPECT_EQ(tqsMemMove(overlap + 1, overlap, 4), overlap + 1);
+    EXPECT_STREQ(overlap, "aabcdf");
+    char plain[4] = {};
+    EXPECT_EQ(tqsMemCpy(plain, "xyz", 3), plain);
+    EXPECT_STREQ(plain, "xyz");
+}
+
+}  // namespace
