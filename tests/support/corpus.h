@@ -9,7 +9,8 @@
 
 namespace corpus {
 
-// The corpus folder.
+// The corpus folder: $TQOMACP_CORPUS_DIR, else the configured folder, else
+// the nearest shared/corpus above the source tree.
 std::string Dir();
 // Absolute path of a corpus-relative path (absolute paths are kept).
 std::string Path(const std::string &path);

@@ -1,0 +1,218 @@
+#include "tqstrace.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "mem_check.h"
+#include "tqsmemory.h"
+#include "trace_capture.h"
+
+namespace {
+
+const char kUnit[] = "jni/src/ClientProv/tqstrace";
+
+using Lines = std::vector<std::string>;
+
+TEST(TqcTrace, FormattedLines) {
+    TraceCapture trace;
+    tqcTrace("[Syncml] %s=%d", "count", 5);
+    tqcTraceFunction("tqsClientProvWbxmlDecoderCharacter");
+    tqcTraceString("value <%s>", "abc");
+    tqcTraceExcption("[Error] M", "jni/src/ClientProv/x", 905);
+    tqcTraceString("%s", "");
+    EXPECT_EQ(trace.lines(), (Lines{
+                                 "[Syncml] count=5\n",
+                                 "[Syncml] tqsClientProvWbxmlDecoderCharacter()\n",
+                                 "[Syncml] value <abc>\n",
+                                 "[Syncml] [Error] M jni/src/ClientProv/x905\n",
+                                 "[Syncml] \n",
+                             }));
+}
+
+TEST(TqcTrace, ErrorCodeRanges) {
+    struct Case {
+        int64_t code;
+        const char *line;  // null: nothing handed over
+    } cases[] = {
+        {0, nullptr},
+        {0x14, "[Syncml] ERROR : 14\n"},
+        {0xFFF, "[Syncml] ERROR : fff\n"},
+        {-1, "[Syncml] ERROR : ffffffff\n"},
+        {0x1000, "[Syncml] ERROR : DM = fffff000\n"},
+        {0x100C, "[Syncml] ERROR : DM = fffff00c\n"},  // code - 0x2000 in the 0x1000 range too
+        {0x1FFF, "[Syncml] ERROR : DM = ffffffff\n"},
+        {0x2005, "[Syncml] ERROR : DM = 5\n"},
+        {0x2FFF, "[Syncml] ERROR : DM = fff\n"},
+        {0x3000, ""},  // empty line, still handed over
+        {INT64_MAX, ""},
+    };
+    for (const Case &c : cases) {
+        TraceCapture trace;
+        tqcTraceError(c.code);
+        if (c.line == nullptr) {
+            EXPECT_TRUE(trace.lines().empty()) << c.code;
+        } else {
+            EXPECT_EQ(trace.lines(), Lines{c.line}) << std::hex << c.code;
+        }
+    }
+}
+
+TEST(TqcTrace, Dump) {
+    unsigned char data[17];
+    for (int i = 0; i < 17; ++i) data[i] = static_cast<unsigned char>('a' + i);
+    data[1] = 0x00;
+    data[2] = 0xFF;
+    {
+        TraceCapture trace;
+        tqcTraceDump("Body", data, 17);
+        EXPECT_EQ(trace.lines(), (Lines{
+                                     "Body length:17\n",
+                                     "61 00 FF 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    a..defghijklmnop",
+                                     "71    q",
+                                 }));
+    }
+    {
+        TraceCapture trace;
+        tqcTraceDump(nullptr, data, 16);  // exactly one line, no title
+        EXPECT_EQ(trace.lines(),
+                  (Lines{"61 00 FF 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    a..defghijklmnop"}));
+        trace.Clear();
+        tqcTraceDump("T", nullptr, 16);
+        EXPECT_TRUE(trace.lines().empty());
+        tqcTraceDump(nullptr, data, 0);
+        EXPECT_EQ(trace.lines(), Lines{""});
+    }
+    {
+        TraceCapture trace;
+        tqcTraceDump22(data, 17);
+        EXPECT_EQ(trace.lines(),
+                  (Lines{"61 00 FF 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    a..defghijklmnop\r\n"
+                         "71 q"}));
+        EXPECT_STREQ(_szBuffer, trace.lines()[0].c_str());
+    }
+}
+
+TEST(TqcTrace, OversizedInputsAreBounded) {
+    TraceCapture trace;
+    std::string huge(30000, 'x');
+    tqcTrace("%s", huge.c_str());
+    ASSERT_EQ(trace.lines().size(), 1u);
+    EXPECT_EQ(trace.lines()[0], std::string(TQC_TRACE_BUFFER_SIZE - 2, 'x') + "\n");
+
+    // A format text beyond the 100 spare bytes still yields the whole line.
+    trace.Clear();
+    std::string format = std::string(300, 'f') + "%s";
+    tqcTraceString(format.c_str(), "v");
+    EXPECT_EQ(trace.lines(), Lines{"[Syncml] " + std::string(300, 'f') + "v\n"});
+
+    // A dump larger than _szBuffer holds is cut at whole lines.
+    trace.Clear();
+    std::vector<unsigned char> big(20000, 'z');
+    tqcTraceDump22(big.data(), static_cast<uint32_t>(big.size()));
+    ASSERT_EQ(trace.lines().size(), 1u);
+    EXPECT_LT(trace.lines()[0].size(), TQC_DUMP_BUFFER_SIZE);
+    EXPECT_GT(trace.lines()[0].size(), TQC_DUMP_BUFFER_SIZE - 200);
+}
+
+// Blocks of the trace unit alive while the sink runs, as "line:size".
+std::vector<std::string> g_seen;
+void InspectingSink(const char *) {
+    if (ptMemCheckTable == nullptr) return;
+    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) {
+        const MemCheckEntry &e = ptMemCheckTable[i];
+        if (e.pAddress != nullptr && std::strcmp(e.pszFileName, kUnit) == 0) {
+            g_seen.push_back(std::to_string(e.nLine) + ":" + std::to_string(e.nSize));
+        }
+    }
+}
+
+TEST(TqcTrace, LineBlocksAndTheirSizes) {
+    MemCheck check;
+    g_seen.clear();
+    tqcTraceSetSink(InspectingSink);
+    tqcTraceFunction("abc");           // 3 + 31
+    tqcTraceString("%s", "abcd");      // 4 + 101, twice
+    tqcTraceExcption("mm", "ppp", 1);  // 2 + 3 + 41
+    tqcTraceError(5);                  // local buffer only
+    tqcTrace("x");                     // static buffer only
+    tqcTraceSetSink(nullptr);
+    EXPECT_EQ(g_seen, (std::vector<std::string>{"41:34", "96:105", "97:105", "228:46"}));
+    EXPECT_TRUE(check.Live().empty());  // all freed after the write
+}
+
+// A page that faults on any read: a formatter that looked at its format text
+// or data would crash.
+const char *Unreadable() {
+    static void *page = mmap(nullptr, static_cast<size_t>(sysconf(_SC_PAGESIZE)), PROT_NONE,
+                             MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return static_cast<const char *>(page);
+}
+
+void TraceEverything(const char *text, int rounds) {
+    const auto *bytes = reinterpret_cast<const unsigned char *>(text);
+    for (int i = 0; i < rounds; ++i) {
+        tqcTrace(text, 1);
+        tqcTraceError(0x1005);
+        tqcTraceFunction(text);
+        tqcTraceString(text, text);
+        tqcTraceExcption(text, text, 1);
+        tqcTraceDump(text, bytes, 64);
+        tqcTraceDump22(bytes, 64);
+    }
+}
+
+TEST(TqcTrace, WithoutSinkNothingIsFormattedOrAllocated) {
+    ASSERT_NE(Unreadable(), MAP_FAILED);
+    tqcTraceSetSink(nullptr);
+    _szBuffer[0] = '#';
+    TraceEverything(Unreadable(), 1000);  // reads nothing: no fault
+    EXPECT_EQ(_szBuffer[0], '#');
+
+    // With the tracking table full, every allocation of the library prints
+    // "Not Found Empty Index": none may appear without a sink.
+    MemCheck check;
+    std::vector<void *> fill;
+    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) fill.push_back(tqsMemAlloc_debug(1, "fill", i));
+    testing::internal::CaptureStdout();
+    TraceEverything("abc", 1000);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+
+    // The same calls with a sink do allocate (the check above can fail).
+    {
+        TraceCapture trace;
+        testing::internal::CaptureStdout();
+        TraceEverything("abc", 1);
+        EXPECT_NE(testing::internal::GetCapturedStdout(), "");
+        EXPECT_FALSE(trace.lines().empty());
+    }
+    for (void *block : fill) tqsMemFree_debug(block);
+}
+
+TEST(TqcTrace, WriteWithoutSinkDropsTheLine) {
+    tqcTraceSetSink(nullptr);
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    tqcTraceWrite("dropped\n");
+    tqcTraceFunction("f");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST(TqcTrace, CapturesNest) {
+    TraceCapture outer;
+    tqcTraceFunction("a");
+    {
+        TraceCapture inner;
+        tqcTraceFunction("b");
+        EXPECT_EQ(inner.lines(), Lines{"[Syncml] b()\n"});
+    }
+    tqcTraceFunction("c");
+    EXPECT_EQ(outer.lines(), (Lines{"[Syncml] a()\n", "[Syncml] c()\n"}));
+}
+
+}  // namespace
