@@ -223,7 +223,8 @@ TEST(SmlBuffer, OutsideStorage) {
     EXPECT_EQ(storage[15], 0);
     EXPECT_EQ(storage[16], 0xEE);
     EXPECT_EQ(smlBufferRealloc(buffer, 10), TQS_ERROR_BUFFER_OUTSIDE);
-    EXPECT_EQ(smlBufferAppendTail(buffer, storage + 20, 15), TQS_OK);
+    const unsigned char more[15] = {};
+    EXPECT_EQ(smlBufferAppendTail(buffer, more, 15), TQS_OK);
     EXPECT_EQ(smlBufferAppendTail(buffer, "x", 1), TQS_ERROR_BUFFER_OUTSIDE);  // would need growth
     EXPECT_EQ(smlBufferGetDataSize(buffer), 15u);
     EXPECT_EQ(smlBufferDelete(buffer), TQS_OK);  // the storage is not freed

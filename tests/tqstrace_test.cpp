@@ -153,8 +153,8 @@ const char *Unreadable() {
     return static_cast<const char *>(page);
 }
 
-void TraceEverything(const char *text, int rounds) {
-    const auto *bytes = reinterpret_cast<const unsigned char *>(text);
+// `bytes` must hold 64 bytes (or be unreadable).
+void TraceEverything(const char *text, const unsigned char *bytes, int rounds) {
     for (int i = 0; i < rounds; ++i) {
         tqcTrace(text, 1);
         tqcTraceError(0x1005);
@@ -166,11 +166,14 @@ void TraceEverything(const char *text, int rounds) {
     }
 }
 
+const unsigned char kData[64] = {1, 2, 3};
+
 TEST(TqcTrace, WithoutSinkNothingIsFormattedOrAllocated) {
     ASSERT_NE(Unreadable(), MAP_FAILED);
     tqcTraceSetSink(nullptr);
     _szBuffer[0] = '#';
-    TraceEverything(Unreadable(), 1000);  // reads nothing: no fault
+    TraceEverything(Unreadable(), reinterpret_cast<const unsigned char *>(Unreadable()),
+                    1000);  // reads nothing: no fault
     EXPECT_EQ(_szBuffer[0], '#');
 
     // With the tracking table full, every allocation of the library prints
@@ -179,14 +182,14 @@ TEST(TqcTrace, WithoutSinkNothingIsFormattedOrAllocated) {
     std::vector<void *> fill;
     for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) fill.push_back(tqsMemAlloc_debug(1, "fill", i));
     testing::internal::CaptureStdout();
-    TraceEverything("abc", 1000);
+    TraceEverything("abc", kData, 1000);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 
     // The same calls with a sink do allocate (the check above can fail).
     {
         TraceCapture trace;
         testing::internal::CaptureStdout();
-        TraceEverything("abc", 1);
+        TraceEverything("abc", kData, 1);
         EXPECT_NE(testing::internal::GetCapturedStdout(), "");
         EXPECT_FALSE(trace.lines().empty());
     }
