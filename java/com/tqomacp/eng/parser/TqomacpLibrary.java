@@ -1,0 +1,35 @@
+package com.tqomacp.eng.parser;
+
+/**
+ * Loads the native parser once per class loader.
+ *
+ * <p>The library binds the natives of all nine XCPCtx classes while it loads, so it must be
+ * loaded by the class loader that sees them. By default it is found on java.library.path as
+ * "tqomacp"; the system property {@code tqomacp.library} may name the file directly.
+ */
+public final class TqomacpLibrary {
+  public static final String NAME = "tqomacp";
+  public static final String PATH_PROPERTY = "tqomacp.library";
+
+  private static boolean loaded;
+
+  private TqomacpLibrary() {}
+
+  /** Loads the library; a failed load is retried on the next call. */
+  public static synchronized void load() {
+    if (loaded) {
+      return;
+    }
+    String path = System.getProperty(PATH_PROPERTY);
+    if (path != null && !path.isEmpty()) {
+      System.load(path);
+    } else {
+      System.loadLibrary(NAME);
+    }
+    loaded = true;
+  }
+
+  public static synchronized boolean isLoaded() {
+    return loaded;
+  }
+}
