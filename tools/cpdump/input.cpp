@@ -1,0 +1,106 @@
+#include "input.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace cpdump {
+namespace {
+
+int HexValue(unsigned char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+}
+
+bool IsSeparator(unsigned char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ':'; }
+
+}  // namespace
+
+HexVerdict DecodeHexText(const Bytes &text, Bytes *out, std::string *error) {
+    Bytes bytes;
+    bool group_start = true;
+    int high = -1;
+    std::size_t digits = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const unsigned char c = text[i];
+        if (IsSeparator(c)) {
+            group_start = true;
+            continue;
+        }
+        if (group_start && c == '0' && i + 1 < text.size() && (text[i + 1] == 'x' || text[i + 1] == 'X')) {
+            ++i;
+            group_start = false;
+            continue;
+        }
+        const int v = HexValue(c);
+        if (v < 0) return HexVerdict::kNotHex;
+        group_start = false;
+        ++digits;
+        if (high < 0) {
+            high = v;
+        } else {
+            bytes.push_back(static_cast<unsigned char>(high << 4 | v));
+            high = -1;
+        }
+    }
+    if (digits == 0) return HexVerdict::kNotHex;
+    if (high >= 0) {
+        *error = "hex input has an odd number of digits (" + std::to_string(digits) + ")";
+        return HexVerdict::kBroken;
+    }
+    *out = std::move(bytes);
+    return HexVerdict::kHex;
+}
+
+bool ReadAll(const std::string &path, Bytes *out, std::string *error) {
+    const bool use_stdin = path == "-";
+    FILE *f = use_stdin ? stdin : std::fopen(path.c_str(), "rb");
+    if (f == nullptr) {
+        *error = "cannot open '" + path + "': " + std::strerror(errno);
+        return false;
+    }
+    Bytes data;
+    unsigned char chunk[65536];
+    bool ok = true;
+    for (;;) {
+        const std::size_t n = std::fread(chunk, 1, sizeof chunk, f);
+        data.insert(data.end(), chunk, chunk + n);
+        if (data.size() > kMaxInputSize) {
+            *error = "'" + path + "' is larger than " + std::to_string(kMaxInputSize) + " bytes";
+            ok = false;
+            break;
+        }
+        if (n < sizeof chunk) {
+            if (std::ferror(f)) {
+                *error = "cannot read '" + path + "': " + std::strerror(errno);
+                ok = false;
+            }
+            break;
+        }
+    }
+    if (!use_stdin) std::fclose(f);
+    if (ok) *out = std::move(data);
+    return ok;
+}
+
+bool LoadPdu(const std::string &path, Bytes *out, std::string *error) {
+    Bytes raw;
+    if (!ReadAll(path, &raw, error)) return false;
+    Bytes decoded;
+    switch (DecodeHexText(raw, &decoded, error)) {
+        case HexVerdict::kHex:
+            *out = std::move(decoded);
+            return true;
+        case HexVerdict::kBroken:
+            *error = "'" + path + "': " + *error;
+            return false;
+        case HexVerdict::kNotHex:
+            break;
+    }
+    *out = std::move(raw);
+    return true;
+}
+
+}  // namespace cpdump
