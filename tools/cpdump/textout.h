@@ -36,11 +36,13 @@ public:
     void Null(std::string_view key) { Key(key), Null(); }
     void Bool(std::string_view key, bool value);
 
+    // A key whose value follows with the next call.
+    void Key(std::string_view key);
+
     // Ends the document with a line break; the nesting must be closed.
     void Finish();
 
 private:
-    void Key(std::string_view key);
     void BeforeValue();
     void Open(char bracket);
     void Close(char bracket);

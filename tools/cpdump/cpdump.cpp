@@ -1,0 +1,393 @@
+#include "cpdump.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "records.h"
+#include "sample.h"
+#include "textout.h"
+#include "tokens.h"
+#include "tqsClientProvCtx.h"
+#include "tqsClientProvWbxml.h"
+#include "tqsClientProvWbxmlDecoder.h"
+#include "tqsmemory.h"
+#include "tqspushhandler.h"
+#include "tqstrace.h"
+
+#ifndef CPDUMP_VERSION
+#define CPDUMP_VERSION "dev"
+#endif
+
+namespace cpdump {
+namespace {
+
+constexpr char kUsage[] =
+    "Usage: cpdump [OPTION]... [FILE|-]\n"
+    "Decode one OMA Client Provisioning push (WSP push header + WBXML provisioning\n"
+    "document) with the tqomacp library and print what a handset makes of it, as JSON.\n"
+    "\n"
+    "FILE holds the PDU as binary or as hex text (blanks, colons, line breaks and\n"
+    "0x prefixes allowed; detected automatically); '-' reads standard input.\n"
+    "Without FILE a built-in sample push is decoded.\n"
+    "\n"
+    "Options:\n"
+    "  --header-only  decode the push header only (the parser's mode 1)\n"
+    "  --body         the input is a WBXML body without push header\n"
+    "  --xml          print the decoded document tree as provisioning XML\n"
+    "  --trace        write the library's trace lines to standard error\n"
+    "  --leaks        track allocations and report, on standard error, the blocks\n"
+    "                 still allocated after the parse result has been released\n"
+    "  --help         show this help and exit\n"
+    "  --version      show the version and exit\n"
+    "\n"
+    "Values appear as stored. A stored one-byte value token is shown by its name\n"
+    "(\"APN\", \"GSM-GPRS\"), or as \"0xNN\" when the library has no name for it;\n"
+    "bytes that are not UTF-8 appear as \\xNN. Under \"app\", a record shows what\n"
+    "the Java application receives for its address type, AUTHTYPE or AAUTHLEVEL.\n"
+    "\n"
+    "Exit status: 0 decoded, 1 message rejected (the reason on standard error),\n"
+    "2 usage or file error.\n";
+
+struct Options {
+    bool header_only = false;
+    bool body = false;
+    bool xml = false;
+    bool trace = false;
+    bool leaks = false;
+    bool help = false;
+    bool version = false;
+    bool have_input = false;
+    std::string input;
+};
+
+// Returns an empty string, or what is wrong with the command line.
+std::string ParseOptions(int argc, char **argv, Options *o) {
+    static constexpr struct {
+        const char *name;
+        bool Options::*flag;
+    } kFlags[] = {
+        {"--header-only", &Options::header_only},
+        {"--body", &Options::body},
+        {"--xml", &Options::xml},
+        {"--trace", &Options::trace},
+        {"--leaks", &Options::leaks},
+        {"--help", &Options::help},
+        {"-h", &Options::help},
+        {"--version", &Options::version},
+    };
+    bool options_done = false;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view arg = argv[i];
+        if (!options_done && arg == "--") {
+            options_done = true;
+            continue;
+        }
+        if (!options_done && arg.size() > 1 && arg[0] == '-') {
+            bool known = false;
+            for (const auto &f : kFlags) {
+                if (arg == f.name) o->*f.flag = known = true;
+            }
+            if (!known) return "unknown option '" + std::string(arg) + "'";
+            continue;
+        }
+        if (o->have_input) return "more than one input given ('" + o->input + "' and '" + std::string(arg) + "')";
+        o->have_input = true;
+        o->input = arg;
+    }
+    if (o->header_only && (o->body || o->xml)) return "--header-only cannot be combined with --body or --xml";
+    return {};
+}
+
+std::string Hex(std::uint64_t v, int width = 2) {
+    char buf[24];
+    std::snprintf(buf, sizeof buf, "0x%0*llX", width, static_cast<unsigned long long>(v));
+    return buf;
+}
+
+void TraceToStderr(const char *line) {
+    std::fputs(line, stderr);
+    const std::size_t n = std::strlen(line);
+    if (n == 0 || line[n - 1] != '\n') std::fputc('\n', stderr);
+}
+
+// Keeps the library's trace quiet while the tool runs decoder pieces of its own
+// (header facts, failure diagnosis), so --trace shows the pipeline alone.
+class QuietTrace {
+public:
+    explicit QuietTrace(bool tracing) : tracing_(tracing) {
+        if (tracing_) tqcTraceSetSink(nullptr);
+    }
+    ~QuietTrace() {
+        if (tracing_) tqcTraceSetSink(TraceToStderr);
+    }
+
+private:
+    bool tracing_;
+};
+
+// Where the tool's own output goes. The leak tracker prints with printf; with
+// --leaks the process's standard output is pointed at standard error so those
+// lines stay off the JSON, which is written to a saved copy of the real one.
+class Output {
+public:
+    void DivertLibraryStdout() {
+        std::fflush(stdout);
+        fd_ = dup(STDOUT_FILENO);
+        if (fd_ < 0) {
+            fd_ = STDOUT_FILENO;
+            return;
+        }
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+    }
+    void Write(const std::string &text) {
+        std::fflush(stdout);
+        for (std::size_t done = 0; done < text.size();) {
+            const ssize_t n = write(fd_, text.data() + done, text.size() - done);
+            if (n <= 0) break;
+            done += static_cast<std::size_t>(n);
+        }
+    }
+
+private:
+    int fd_ = STDOUT_FILENO;
+};
+
+struct WbxmlFacts {
+    bool header_ok = false;
+    std::uint8_t version = 0;
+    std::uint32_t public_id = 0;
+    std::uint32_t charset = 0;
+    std::uint32_t string_table_length = 0;
+    std::string literal;  // string table start, for a literal public identifier
+    TqsResult status = TQS_OK;  // of the whole decode
+};
+
+// Runs the decoder pieces on a copy of the body to learn the WBXML header and
+// the decoder's verdict; the pipeline's own result stays authoritative.
+WbxmlFacts InspectBody(const unsigned char *body, std::uint32_t length) {
+    WbxmlFacts facts;
+    tqsWbxmlDecoder *decoder = nullptr;
+    if (tqsClientProvWbxmlInitDecoder(&decoder, body, length) == TQS_OK && decoder != nullptr) {
+        facts.header_ok = tqsClientProvWbxmlDecoderWbxmlHeader(decoder, &facts.version, &facts.public_id,
+                                                               &facts.charset) == TQS_OK;
+        facts.string_table_length = decoder->nStrSize;
+        if (facts.public_id == 0 && decoder->pStringTable != nullptr) {
+            facts.literal = reinterpret_cast<const char *>(decoder->pStringTable);
+        }
+        tqsClientProvWbxmlDeleteDecoder(decoder);
+    }
+    decoder = nullptr;
+    tqsWapDoc *doc = nullptr;
+    facts.status = tqsClientProvWbxmlInitDecoder(&decoder, body, length);
+    if (facts.status == TQS_OK) facts.status = tqsClientProvWbxmlDecoder(decoder, &doc);
+    tqsClientProvWbxmlDeleteWapDoc(doc);
+    tqsClientProvWbxmlDeleteDecoder(decoder);
+    return facts;
+}
+
+std::string ExplainBodyRejection(const WbxmlFacts &facts) {
+    if (!facts.header_ok) return "malformed WBXML (the document header is cut short)";
+    if (facts.status == TQS_ERROR_WBXML_DIFFERENT_VERSION) {
+        std::string why = "not a provisioning document (public id " + Hex(facts.public_id);
+        if (facts.public_id == 0 && !facts.literal.empty()) why += ", literal \"" + EscapeJson(facts.literal) + "\"";
+        return why + ")";
+    }
+    if (facts.status != TQS_OK) return "malformed WBXML (status " + Hex(facts.status, 1) + ")";
+    return "the document yields no provisioning context";
+}
+
+void WriteHeaderJson(JsonWriter &json, const SmlPushHeader &h) {
+    json.BeginObject("pushHeader");
+    json.String("contentType", Hex(h.nContentType));
+    if (const char *name = ContentTypeName(h.nContentType)) json.String("contentTypeName", name);
+    json.Number("headerLength", h.nHeaderLen);
+    json.Number("bodyLength", h.nBodyLen);
+    if (h.nSEC == 0) {
+        json.Null("sec");
+    } else {
+        json.String("sec", Hex(h.nSEC));
+        if (const char *name = SecName(h.nSEC)) json.String("secName", name);
+    }
+    json.Number("macLength", h.nMACLen);
+    if (h.nMACLen == 0) {
+        json.Null("mac");
+    } else {
+        json.String("mac", std::string_view(h.szMAC, strnlen(h.szMAC, sizeof h.szMAC)));
+    }
+    json.EndObject();
+}
+
+void WriteWbxmlJson(JsonWriter &json, const WbxmlFacts &facts) {
+    json.BeginObject("wbxml");
+    json.String("version", std::to_string((facts.version >> 4) + 1) + "." + std::to_string(facts.version & 0x0F));
+    json.String("publicId", Hex(facts.public_id));
+    json.Number("charset", facts.charset);
+    json.Number("stringTableLength", facts.string_table_length);
+    json.EndObject();
+}
+
+class Run {
+public:
+    explicit Run(const Options &o) : o_(o) {}
+
+    int Go(const Bytes &input) {
+        if (o_.leaks) {
+            out_.DivertLibraryStdout();
+            tqsMemStartMemCheck();
+        }
+        if (o_.trace) tqcTraceSetSink(TraceToStderr);
+        const int status = Decode(input);
+        if (o_.trace) tqcTraceSetSink(nullptr);
+        if (o_.leaks) ReportLeaks();
+        return status;
+    }
+
+private:
+    int Reject(const std::string &why) {
+        std::fprintf(stderr, "cpdump: %s\n", why.c_str());
+        return kExitRejected;
+    }
+
+    int Decode(const Bytes &input) {
+        const SmlPushHeader *header = nullptr;
+        const unsigned char *body = input.data();
+        std::uint32_t body_length = static_cast<std::uint32_t>(input.size());
+        if (!o_.body) {
+            header = smlpushHdlrParsingWSPHeader(input.data(), input.size());
+            if (header == nullptr) return Reject(ExplainHeaderRejection(input));
+            body = header->pBody;
+            body_length = static_cast<std::uint32_t>(header->nBodyLen);
+        }
+        std::string text;
+        JsonWriter json(&text);
+        json.BeginObject();
+        if (header != nullptr) WriteHeaderJson(json, *header);
+        if (o_.header_only) {
+            json.EndObject();
+            json.Finish();
+            out_.Write(text);
+            ReleaseHeader(header);
+            return kExitDecoded;
+        }
+        const int status = o_.xml ? DecodeTree(body, body_length) : DecodePipeline(json, &text, body, body_length);
+        ReleaseHeader(header);
+        return status;
+    }
+
+    // What the parse session does with mode 2: the decoder main (decoder,
+    // context construction, tree release), then the context release.
+    int DecodePipeline(JsonWriter &json, const std::string *text, const unsigned char *body,
+                       std::uint32_t length) {
+        tqsClientProvCtx *ctx = tqsClinetProvWbxmlDecoderMain(body, length);
+        WbxmlFacts facts;
+        {
+            QuietTrace quiet(o_.trace);
+            facts = InspectBody(body, length);
+        }
+        if (ctx == nullptr) return Reject(ExplainBodyRejection(facts));
+        WriteWbxmlJson(json, facts);
+        WriteContextJson(json, *ctx);
+        json.EndObject();
+        json.Finish();
+        out_.Write(*text);
+        tqsClientProvCtxDelectContext(ctx);
+        return kExitDecoded;
+    }
+
+    // The decoder main's steps done one by one, so the tree can be printed
+    // before the context is built from it and it is released.
+    int DecodeTree(const unsigned char *body, std::uint32_t length) {
+        tqsWbxmlDecoder *decoder = nullptr;
+        tqsWapDoc *doc = nullptr;
+        TqsResult status = tqsClientProvWbxmlInitDecoder(&decoder, body, length);
+        if (status == TQS_OK) status = tqsClientProvWbxmlDecoder(decoder, &doc);
+        tqsClientProvWbxmlDeleteDecoder(decoder);
+        tqsClientProvCtx *ctx = status == TQS_OK ? tqsClientProvCtxMakeContext(doc) : nullptr;
+        std::string xml;
+        if (ctx != nullptr) WriteTreeXml(&xml, doc);
+        tqsClientProvWbxmlDeleteWapDoc(doc);
+        if (ctx == nullptr) {
+            QuietTrace quiet(o_.trace);
+            return Reject(ExplainBodyRejection(InspectBody(body, length)));
+        }
+        tqsClientProvCtxDelectContext(ctx);
+        out_.Write(xml);
+        return kExitDecoded;
+    }
+
+    // As the session's release does: the record only, not its body copy.
+    static void ReleaseHeader(const SmlPushHeader *header) {
+        if (header != nullptr) tqsMemFree_debug(const_cast<SmlPushHeader *>(header));
+    }
+
+    void ReportLeaks() {
+        std::size_t live = 0;
+        if (ptMemCheckTable != nullptr) {
+            for (std::size_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) live += ptMemCheckTable[i].pAddress != nullptr;
+        }
+        std::fflush(stderr);
+        tqsMemEndMemCheck();
+        std::fflush(stdout);
+        std::fprintf(stderr, "cpdump: %zu block%s still allocated after release\n", live, live == 1 ? "" : "s");
+    }
+
+    const Options &o_;
+    Output out_;
+};
+
+}  // namespace
+
+std::string ExplainHeaderRejection(const Bytes &pdu) {
+    if (pdu.size() < 2) return "not a WSP push PDU (too short: " + std::to_string(pdu.size()) + " bytes)";
+    if (pdu[1] != 0x06) return "not a WSP push PDU (PDU type " + Hex(pdu[1]) + ")";
+    std::size_t at = 3;
+    if (at < pdu.size() && pdu[at] == 0x1F) at += 2;
+    if (at >= pdu.size()) return "truncated push header (it ends before the content type)";
+    const unsigned char b = pdu[at];
+    if (b > 0x1F && b < 0x80) {
+        std::string text;
+        for (std::size_t i = at; i < pdu.size() && pdu[i] != 0; ++i) text += static_cast<char>(pdu[i]);
+        bool known = false;
+        for (std::uint64_t code : {0x36, 0x35, 0x44, 0x4E, 0x42}) known = known || text == ContentTypeName(code);
+        if (!known) return "unknown content type (\"" + EscapeJson(text) + "\")";
+    } else if (ContentTypeName(b & 0x7F) == nullptr) {
+        return "unknown content type (" + Hex(b) + ")";
+    }
+    return "truncated push header (header length " + std::to_string(pdu.size() > 2 ? pdu[2] : 0) + ", " +
+           std::to_string(pdu.size()) + " bytes in all)";
+}
+
+int Main(int argc, char **argv) {
+    Options o;
+    const std::string usage_error = ParseOptions(argc, argv, &o);
+    if (!usage_error.empty()) {
+        std::fprintf(stderr, "cpdump: %s\nTry 'cpdump --help'.\n", usage_error.c_str());
+        return kExitUsage;
+    }
+    if (o.help) {
+        std::fputs(kUsage, stdout);
+        return kExitDecoded;
+    }
+    if (o.version) {
+        std::printf("cpdump %s\n", CPDUMP_VERSION);
+        return kExitDecoded;
+    }
+    Bytes input;
+    if (o.have_input) {
+        std::string error;
+        if (!LoadPdu(o.input, &input, &error)) {
+            std::fprintf(stderr, "cpdump: %s\n", error.c_str());
+            return kExitUsage;
+        }
+    } else {
+        input = SamplePush();
+        // The sample's body alone, for --body: it starts after the header block.
+        if (o.body) input.erase(input.begin(), input.begin() + 3 + input[2]);
+    }
+    return Run(o).Go(input);
+}
+
+}  // namespace cpdump
