@@ -16,6 +16,10 @@
 #include "tqsmemory.h"
 #include "tqspushhandler.h"
 #include "tqstrace.h"
+#include "verdict.h"
+
+// TEMPORARY until the decoder header declares the decoder main.
+extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
 
 #ifndef CPDUMP_VERSION
 #define CPDUMP_VERSION "dev"
@@ -101,12 +105,6 @@ std::string ParseOptions(int argc, char **argv, Options *o) {
     return {};
 }
 
-std::string Hex(std::uint64_t v, int width = 2) {
-    char buf[24];
-    std::snprintf(buf, sizeof buf, "0x%0*llX", width, static_cast<unsigned long long>(v));
-    return buf;
-}
-
 void TraceToStderr(const char *line) {
     std::fputs(line, stderr);
     const std::size_t n = std::strlen(line);
@@ -155,16 +153,6 @@ private:
     int fd_ = STDOUT_FILENO;
 };
 
-struct WbxmlFacts {
-    bool header_ok = false;
-    std::uint8_t version = 0;
-    std::uint32_t public_id = 0;
-    std::uint32_t charset = 0;
-    std::uint32_t string_table_length = 0;
-    std::string literal;  // string table start, for a literal public identifier
-    TqsResult status = TQS_OK;  // of the whole decode
-};
-
 // Runs the decoder pieces on a copy of the body to learn the WBXML header and
 // the decoder's verdict; the pipeline's own result stays authoritative.
 WbxmlFacts InspectBody(const unsigned char *body, std::uint32_t length) {
@@ -186,17 +174,6 @@ WbxmlFacts InspectBody(const unsigned char *body, std::uint32_t length) {
     tqsClientProvWbxmlDeleteWapDoc(doc);
     tqsClientProvWbxmlDeleteDecoder(decoder);
     return facts;
-}
-
-std::string ExplainBodyRejection(const WbxmlFacts &facts) {
-    if (!facts.header_ok) return "malformed WBXML (the document header is cut short)";
-    if (facts.status == TQS_ERROR_WBXML_DIFFERENT_VERSION) {
-        std::string why = "not a provisioning document (public id " + Hex(facts.public_id);
-        if (facts.public_id == 0 && !facts.literal.empty()) why += ", literal \"" + EscapeJson(facts.literal) + "\"";
-        return why + ")";
-    }
-    if (facts.status != TQS_OK) return "malformed WBXML (status " + Hex(facts.status, 1) + ")";
-    return "the document yields no provisioning context";
 }
 
 void WriteHeaderJson(JsonWriter &json, const SmlPushHeader &h) {
@@ -339,26 +316,6 @@ private:
 };
 
 }  // namespace
-
-std::string ExplainHeaderRejection(const Bytes &pdu) {
-    if (pdu.size() < 2) return "not a WSP push PDU (too short: " + std::to_string(pdu.size()) + " bytes)";
-    if (pdu[1] != 0x06) return "not a WSP push PDU (PDU type " + Hex(pdu[1]) + ")";
-    std::size_t at = 3;
-    if (at < pdu.size() && pdu[at] == 0x1F) at += 2;
-    if (at >= pdu.size()) return "truncated push header (it ends before the content type)";
-    const unsigned char b = pdu[at];
-    if (b > 0x1F && b < 0x80) {
-        std::string text;
-        for (std::size_t i = at; i < pdu.size() && pdu[i] != 0; ++i) text += static_cast<char>(pdu[i]);
-        bool known = false;
-        for (std::uint64_t code : {0x36, 0x35, 0x44, 0x4E, 0x42}) known = known || text == ContentTypeName(code);
-        if (!known) return "unknown content type (\"" + EscapeJson(text) + "\")";
-    } else if (ContentTypeName(b & 0x7F) == nullptr) {
-        return "unknown content type (" + Hex(b) + ")";
-    }
-    return "truncated push header (header length " + std::to_string(pdu.size() > 2 ? pdu[2] : 0) + ", " +
-           std::to_string(pdu.size()) + " bytes in all)";
-}
 
 int Main(int argc, char **argv) {
     Options o;

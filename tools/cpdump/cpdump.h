@@ -13,9 +13,6 @@ constexpr int kExitDecoded = 0;
 constexpr int kExitRejected = 1;
 constexpr int kExitUsage = 2;
 
-// Why the header parser refused a PDU, in words (it only says "null").
-std::string ExplainHeaderRejection(const Bytes &pdu);
-
 // Runs the whole program; returns the exit status.
 int Main(int argc, char **argv);
 

@@ -47,7 +47,7 @@ HexVerdict DecodeHexText(const Bytes &text, Bytes *out, std::string *error) {
     }
     if (digits == 0) return HexVerdict::kNotHex;
     if (high >= 0) {
-        *error = "hex input has an odd number of digits (" + std::to_string(digits) + ")";
+        *error = "odd number of hex digits (" + std::to_string(digits) + ")";
         return HexVerdict::kBroken;
     }
     *out = std::move(bytes);

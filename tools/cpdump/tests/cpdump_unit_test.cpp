@@ -1,0 +1,191 @@
+// The tool's own pieces: hex input, escaping, JSON layout, token names, the
+// application's mapped values and the header rejection reasons.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "input.h"
+#include "sample.h"
+#include "textout.h"
+#include "tokens.h"
+#include "verdict.h"
+
+namespace cpdump {
+namespace {
+
+Bytes B(std::string_view s) { return Bytes(s.begin(), s.end()); }
+
+TEST(HexInput, AcceptsTheUsualSpellings) {
+    const Bytes expected = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80};
+    for (const char *text : {"010603b69180", "01 06 03 B6 91 80\n", "01:06:03:b6:91:80", "0x01 0x06 0x03 0xB6 0x91 0x80",
+                             "0X010603\r\n\tB69180", "0x010603B69180\n"}) {
+        SCOPED_TRACE(text);
+        Bytes out;
+        std::string error;
+        ASSERT_EQ(DecodeHexText(B(text), &out, &error), HexVerdict::kHex);
+        EXPECT_EQ(out, expected);
+    }
+}
+
+TEST(HexInput, BinaryAndBrokenTextAreToldApart) {
+    Bytes out;
+    std::string error;
+    // A push PDU: the PDU type 0x06 is no hex character.
+    EXPECT_EQ(DecodeHexText(Bytes{0x01, 0x06, 0x03, 0xB6}, &out, &error), HexVerdict::kNotHex);
+    EXPECT_EQ(DecodeHexText(B(""), &out, &error), HexVerdict::kNotHex);
+    EXPECT_EQ(DecodeHexText(B(" \n"), &out, &error), HexVerdict::kNotHex);
+    EXPECT_EQ(DecodeHexText(B("01 06 zz"), &out, &error), HexVerdict::kNotHex);
+    // "x" only counts as part of a 0x prefix at the start of a group.
+    EXPECT_EQ(DecodeHexText(B("010x06"), &out, &error), HexVerdict::kNotHex);
+    EXPECT_EQ(DecodeHexText(B("01 06 0"), &out, &error), HexVerdict::kBroken);
+    EXPECT_NE(error.find("odd number of hex digits (5)"), std::string::npos) << error;
+}
+
+TEST(Escaping, JsonKeepsUtf8AndShowsOtherBytes) {
+    struct Case {
+        std::string in, out;
+    } cases[] = {
+        {"plain", "plain"},
+        {"a\"b\\c", "a\\\"b\\\\c"},
+        {"line\nbreak\ttab\r", "line\\nbreak\\ttab\\r"},
+        {std::string("\x01\x1F\x7F", 3), "\\u0001\\u001F\\u007F"},
+        {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\xB1", "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\xB1"},
+        {"P\xE1SE1", "P\\\\xE1SE1"},            // a lone value token inside a text
+        {"\xC0\x80", "\\\\xC0\\\\x80"},         // overlong zero
+        {"\xED\xA0\x80", "\\\\xED\\\\xA0\\\\x80"},  // surrogate half
+        {"ab\xE2\x82", "ab\\\\xE2\\\\x82"},     // cut-off sequence at the end
+        {"\xF4\x90\x80\x80", "\\\\xF4\\\\x90\\\\x80\\\\x80"},  // beyond U+10FFFF
+    };
+    for (const Case &c : cases) EXPECT_EQ(EscapeJson(c.in), c.out) << c.in;
+}
+
+TEST(Escaping, XmlEntitiesAndRawBytes) {
+    EXPECT_EQ(EscapeXml("a&b<c>\"d\""), "a&amp;b&lt;c&gt;&quot;d&quot;");
+    EXPECT_EQ(EscapeXml("x\xABy\x02"), "x\\xABy\\x02");
+    EXPECT_EQ(EscapeXml("l1\nl2"), "l1&#10;l2");
+    EXPECT_EQ(EscapeXml("\xC3\xA9t\xC3\xA9"), "\xC3\xA9t\xC3\xA9");
+}
+
+TEST(JsonWriter, NestsWithStableLayout) {
+    std::string out;
+    JsonWriter json(&out);
+    json.BeginObject();
+    json.String("a", "x");
+    json.BeginArray("list");
+    json.String("1");
+    json.Null();
+    json.EndArray();
+    json.BeginArray("empty");
+    json.EndArray();
+    json.BeginObject("o");
+    json.Number("n", 42);
+    json.Bool("b", false);
+    json.EndObject();
+    json.Key("k");
+    json.BeginObject();
+    json.EndObject();
+    json.EndObject();
+    json.Finish();
+    EXPECT_EQ(out,
+              "{\n  \"a\": \"x\",\n  \"list\": [\n    \"1\",\n    null\n  ],\n  \"empty\": [],\n"
+              "  \"o\": {\n    \"n\": 42,\n    \"b\": false\n  },\n  \"k\": {}\n}\n");
+}
+
+TEST(Tokens, OneByteValuesAreNamed) {
+    EXPECT_EQ(DisplayValue("\x89"), "APN");
+    EXPECT_EQ(DisplayValue("\xAB"), "GSM-GPRS");
+    EXPECT_EQ(DisplayValue("\xCB"), "CO-WSP");
+    EXPECT_EQ(DisplayValue("\xD3"), "OTA-HTTP-TLS-PO");
+    EXPECT_EQ(DisplayValue("\x8D"), "APPSRV");
+    EXPECT_EQ(DisplayValue("\x9E"), "WTLS_SS");  // the decoder's own spelling
+    // Codes the library has no name for.
+    EXPECT_EQ(DisplayValue("\xE1"), "0xE1");
+    EXPECT_EQ(DisplayValue("\xC5"), "0xC5");
+    EXPECT_EQ(DisplayValue("\x80"), "0x80");
+    // Not a lone token: shown as stored.
+    EXPECT_EQ(DisplayValue("\x89x"), "\x89x");
+    EXPECT_EQ(DisplayValue("APN"), "APN");
+    EXPECT_EQ(DisplayValue(""), "");
+}
+
+TEST(Tokens, EveryBearerCodeOfTheGettersHasItsName) {
+    // The bearer table runs without gaps from 0xA2 "GSM-USSD" to 0xBC "WLAN".
+    for (int code = 0xA2; code <= 0xBC; ++code) EXPECT_NE(ValueTokenName(static_cast<unsigned char>(code)), nullptr) << code;
+    EXPECT_STREQ(ValueTokenName(0xA2), "GSM-USSD");
+    EXPECT_STREQ(ValueTokenName(0xB2), "FLEX/REFLEX");
+    EXPECT_STREQ(ValueTokenName(0xBC), "WLAN");
+    EXPECT_EQ(ValueTokenName(0xA1), nullptr);
+    EXPECT_EQ(ValueTokenName(0xBD), nullptr);
+    EXPECT_STREQ(ContentTypeName(0x36), "application/vnd.wap.connectivity-wbxml");
+    EXPECT_STREQ(SecName(0x81), "USERPIN");
+    EXPECT_EQ(ContentTypeName(0x37), nullptr);
+}
+
+TEST(AppView, AddressTypesOfProxiesAndAccessPoints) {
+    EXPECT_EQ(AppPxAddrType(nullptr), nullptr);
+    EXPECT_STREQ(AppPxAddrType("\x86"), "NET_ADDR_IPV6");
+    EXPECT_STREQ(AppPxAddrType("IPV6"), "NET_ADDR_IPV6");
+    EXPECT_STREQ(AppPxAddrType("IPV4"), "NET_ADDR_IPV4");
+    EXPECT_STREQ(AppPxAddrType("E164"), "NET_ADDR_IPV4");  // everything else falls back to IPv4
+    EXPECT_STREQ(AppPxAddrType("ipv6"), "NET_ADDR_IPV4");
+
+    bool shifted = true;
+    EXPECT_STREQ(AppNapAddrType("\x89", &shifted), "0x89");
+    EXPECT_FALSE(shifted);
+    EXPECT_STREQ(AppNapAddrType("\x8A", &shifted), "0x8a");
+    EXPECT_STREQ(AppNapAddrType("\x85", &shifted), "0x85");
+    EXPECT_EQ(AppNapAddrType("APN", &shifted), nullptr);  // text: the array shifts
+    EXPECT_TRUE(shifted);
+    EXPECT_EQ(AppNapAddrType(nullptr, &shifted), nullptr);
+    EXPECT_FALSE(shifted);
+}
+
+TEST(AppView, AuthenticationTypeAndLevel) {
+    struct Case {
+        const char *stored, *auth_type;
+    } auth[] = {{"PAP", "PAP"},   {"\x9A", "PAP"},        {"pap", "NONE"},     {"\x9C", "HTTP-BASIC"},
+                {"CHAP", "CHAP"}, {"WTLS-SS", "WTLS-SS"}, {"WTLS_SS", "NONE"}, {"\x9F", "MD5"},
+                {"", "NONE"}};
+    for (const Case &c : auth) EXPECT_STREQ(AppAuthType(c.stored), c.auth_type) << c.stored;
+    EXPECT_EQ(AppAuthType(nullptr), nullptr);
+
+    EXPECT_STREQ(AppAAuthLevel("\x8D"), "APPSRV");
+    EXPECT_STREQ(AppAAuthLevel("APPSRV"), "APPSRV");
+    EXPECT_EQ(AppAAuthLevel("appsrv"), nullptr);
+    EXPECT_STREQ(AppAAuthLevel("client"), "CLIENT");
+    EXPECT_STREQ(AppAAuthLevel("CLIENT"), "CLIENT");
+    EXPECT_EQ(AppAAuthLevel("USER"), nullptr);
+}
+
+TEST(HeaderRejection, SaysWhyInWords) {
+    struct Case {
+        Bytes pdu;
+        const char *why;
+    } cases[] = {
+        {{}, "not a WSP push PDU (too short: 0 bytes)"},
+        {{0x01}, "not a WSP push PDU (too short: 1 byte)"},
+        {{0x01, 0x01, 0x03, 0xB6, 0x91, 0x80}, "not a WSP push PDU (PDU type 0x01)"},
+        {{0x01, 0x06}, "truncated push header (no header length)"},
+        {{0x01, 0x06, 0x2F, 0x1F}, "truncated push header (header length 47, but only 1 bytes follow it)"},
+        {{0x01, 0x06, 0x03, 0xB7, 0x91, 0x80}, "unknown content type (0xB7)"},
+        {{0x01, 0x06, 0x02, 0x1F, 0x05}, "unknown content type (none before the end of the PDU)"},
+        {{0x01, 0x06, 0x04, 'a', '/', 'b', 0x00}, "unknown content type (\"a/b\")"},
+    };
+    for (const Case &c : cases) EXPECT_EQ(ExplainHeaderRejection(c.pdu), c.why);
+}
+
+TEST(Sample, HeaderBlockMatchesItsLengthByte) {
+    const Bytes &pdu = SamplePush();
+    ASSERT_GT(pdu.size(), 60u);
+    EXPECT_EQ(pdu[1], 0x06);
+    const std::size_t header_length = pdu[2];
+    // Quote, length, content type, SEC and its value, MAC token, 40 characters, zero.
+    EXPECT_EQ(header_length, 2u + 1 + 2 + 1 + 40 + 1);
+    EXPECT_EQ(pdu[3 + header_length - 1], 0x00);
+    // The body starts with WBXML 1.3 and the provisioning public id.
+    EXPECT_EQ(pdu[3 + header_length], 0x03);
+    EXPECT_EQ(pdu[3 + header_length + 1], 0x0B);
+}
+
+}  // namespace
+}  // namespace cpdump
