@@ -97,7 +97,8 @@ std::string ParseOptions(int argc, char **argv, Options *o) {
             if (!known) return "unknown option '" + std::string(arg) + "'";
             continue;
         }
-        if (o->have_input) return "more than one input given ('" + o->input + "' and '" + std::string(arg) + "')";
+        if (o->have_input)
+            return "more than one input given ('" + o->input + "' and '" + std::string(arg) + "')";
         o->have_input = true;
         o->input = arg;
     }
@@ -114,7 +115,7 @@ void TraceToStderr(const char *line) {
 // Keeps the library's trace quiet while the tool runs decoder pieces of its own
 // (header facts, failure diagnosis), so --trace shows the pipeline alone.
 class QuietTrace {
-public:
+   public:
     explicit QuietTrace(bool tracing) : tracing_(tracing) {
         if (tracing_) tqcTraceSetSink(nullptr);
     }
@@ -122,7 +123,7 @@ public:
         if (tracing_) tqcTraceSetSink(TraceToStderr);
     }
 
-private:
+   private:
     bool tracing_;
 };
 
@@ -130,7 +131,7 @@ private:
 // --leaks the process's standard output is pointed at standard error so those
 // lines stay off the JSON, which is written to a saved copy of the real one.
 class Output {
-public:
+   public:
     void DivertLibraryStdout() {
         std::fflush(stdout);
         fd_ = dup(STDOUT_FILENO);
@@ -149,7 +150,7 @@ public:
         }
     }
 
-private:
+   private:
     int fd_ = STDOUT_FILENO;
 };
 
@@ -199,7 +200,8 @@ void WriteHeaderJson(JsonWriter &json, const SmlPushHeader &h) {
 
 void WriteWbxmlJson(JsonWriter &json, const WbxmlFacts &facts) {
     json.BeginObject("wbxml");
-    json.String("version", std::to_string((facts.version >> 4) + 1) + "." + std::to_string(facts.version & 0x0F));
+    json.String("version",
+                std::to_string((facts.version >> 4) + 1) + "." + std::to_string(facts.version & 0x0F));
     json.String("publicId", Hex(facts.public_id));
     json.Number("charset", facts.charset);
     json.Number("stringTableLength", facts.string_table_length);
@@ -207,7 +209,7 @@ void WriteWbxmlJson(JsonWriter &json, const WbxmlFacts &facts) {
 }
 
 class Run {
-public:
+   public:
     explicit Run(const Options &o) : o_(o) {}
 
     int Go(const Bytes &input) {
@@ -222,7 +224,7 @@ public:
         return status;
     }
 
-private:
+   private:
     int Reject(const std::string &why) {
         std::fprintf(stderr, "cpdump: %s\n", why.c_str());
         return kExitRejected;
@@ -249,7 +251,8 @@ private:
             ReleaseHeader(header);
             return kExitDecoded;
         }
-        const int status = o_.xml ? DecodeTree(body, body_length) : DecodePipeline(json, &text, body, body_length);
+        const int status =
+            o_.xml ? DecodeTree(body, body_length) : DecodePipeline(json, &text, body, body_length);
         ReleaseHeader(header);
         return status;
     }
@@ -303,12 +306,14 @@ private:
     void ReportLeaks() {
         std::size_t live = 0;
         if (ptMemCheckTable != nullptr) {
-            for (std::size_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) live += ptMemCheckTable[i].pAddress != nullptr;
+            for (std::size_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i)
+                live += ptMemCheckTable[i].pAddress != nullptr;
         }
         std::fflush(stderr);
         tqsMemEndMemCheck();
         std::fflush(stdout);
-        std::fprintf(stderr, "cpdump: %zu block%s still allocated after release\n", live, live == 1 ? "" : "s");
+        std::fprintf(stderr, "cpdump: %zu block%s still allocated after release\n", live,
+                     live == 1 ? "" : "s");
     }
 
     const Options &o_;

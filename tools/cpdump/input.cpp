@@ -14,7 +14,9 @@ int HexValue(unsigned char c) {
     return -1;
 }
 
-bool IsSeparator(unsigned char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ':'; }
+bool IsSeparator(unsigned char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n' || c == ':';
+}
 
 }  // namespace
 

@@ -67,12 +67,23 @@ std::string Escape(std::string_view bytes, const char *raw_prefix, Ascii ascii) 
 std::string EscapeJson(std::string_view bytes) {
     return Escape(bytes, "\\\\x", [](std::string *out, unsigned char c) {
         switch (c) {
-            case '"': *out += "\\\""; return true;
-            case '\\': *out += "\\\\"; return true;
-            case '\n': *out += "\\n"; return true;
-            case '\r': *out += "\\r"; return true;
-            case '\t': *out += "\\t"; return true;
-            default: break;
+            case '"':
+                *out += "\\\"";
+                return true;
+            case '\\':
+                *out += "\\\\";
+                return true;
+            case '\n':
+                *out += "\\n";
+                return true;
+            case '\r':
+                *out += "\\r";
+                return true;
+            case '\t':
+                *out += "\\t";
+                return true;
+            default:
+                break;
         }
         if (c < 0x20 || c == 0x7F) {
             AppendHexByte(out, "\\u00", c);
@@ -85,14 +96,29 @@ std::string EscapeJson(std::string_view bytes) {
 std::string EscapeXml(std::string_view bytes) {
     return Escape(bytes, "\\x", [](std::string *out, unsigned char c) {
         switch (c) {
-            case '&': *out += "&amp;"; return true;
-            case '<': *out += "&lt;"; return true;
-            case '>': *out += "&gt;"; return true;
-            case '"': *out += "&quot;"; return true;
-            case '\n': *out += "&#10;"; return true;
-            case '\r': *out += "&#13;"; return true;
-            case '\t': *out += "&#9;"; return true;
-            default: break;
+            case '&':
+                *out += "&amp;";
+                return true;
+            case '<':
+                *out += "&lt;";
+                return true;
+            case '>':
+                *out += "&gt;";
+                return true;
+            case '"':
+                *out += "&quot;";
+                return true;
+            case '\n':
+                *out += "&#10;";
+                return true;
+            case '\r':
+                *out += "&#13;";
+                return true;
+            case '\t':
+                *out += "&#9;";
+                return true;
+            default:
+                break;
         }
         // XML 1.0 has no way to carry the other control characters.
         if (c < 0x20 || c == 0x7F) {
@@ -163,6 +189,8 @@ void JsonWriter::Bool(std::string_view key, bool value) {
     *out_ += value ? "true" : "false";
 }
 
-void JsonWriter::Finish() { out_->push_back('\n'); }
+void JsonWriter::Finish() {
+    out_->push_back('\n');
+}
 
 }  // namespace cpdump

@@ -18,7 +18,7 @@ std::string EscapeJson(std::string_view bytes);
 std::string EscapeXml(std::string_view bytes);
 
 class JsonWriter {
-public:
+   public:
     explicit JsonWriter(std::string *out) : out_(out) {}
 
     void BeginObject() { Open('{'); }
@@ -42,7 +42,7 @@ public:
     // Ends the document with a line break; the nesting must be closed.
     void Finish();
 
-private:
+   private:
     void BeforeValue();
     void Open(char bracket);
     void Close(char bracket);

@@ -85,10 +85,8 @@ struct NamedCode {
 };
 
 constexpr NamedCode kContentTypes[] = {
-    {0x36, "application/vnd.wap.connectivity-wbxml"},
-    {0x35, "application/vnd.wap.connectivity-xml"},
-    {0x44, "application/vnd.syncml.notification"},
-    {0x4E, "application/vnd.syncml.ds.notification"},
+    {0x36, "application/vnd.wap.connectivity-wbxml"}, {0x35, "application/vnd.wap.connectivity-xml"},
+    {0x44, "application/vnd.syncml.notification"},    {0x4E, "application/vnd.syncml.ds.notification"},
     {0x42, "application/vnd.syncml.dm+wbxml"},
 };
 
@@ -107,7 +105,9 @@ const char *Find(const Table &table, std::uint64_t code) {
     return nullptr;
 }
 
-unsigned char First(const char *s) { return static_cast<unsigned char>(s[0]); }
+unsigned char First(const char *s) {
+    return static_cast<unsigned char>(s[0]);
+}
 
 // A composite-getter test: the exact text, or (when code is not 0) the first byte.
 bool Is(const char *stored, const char *text, unsigned char code) {
@@ -116,7 +116,9 @@ bool Is(const char *stored, const char *text, unsigned char code) {
 
 }  // namespace
 
-const char *ValueTokenName(unsigned char code) { return Find(kValueTokens, code); }
+const char *ValueTokenName(unsigned char code) {
+    return Find(kValueTokens, code);
+}
 
 std::string DisplayValue(const char *stored) {
     const unsigned char first = First(stored);
@@ -127,9 +129,13 @@ std::string DisplayValue(const char *stored) {
     return buf;
 }
 
-const char *ContentTypeName(std::uint64_t code) { return Find(kContentTypes, code); }
+const char *ContentTypeName(std::uint64_t code) {
+    return Find(kContentTypes, code);
+}
 
-const char *SecName(std::uint64_t code) { return Find(kSecMethods, code); }
+const char *SecName(std::uint64_t code) {
+    return Find(kSecMethods, code);
+}
 
 const char *AppPxAddrType(const char *stored) {
     if (stored == nullptr) return nullptr;

@@ -14,7 +14,8 @@ std::string Hex(std::uint64_t v, int width) {
 
 std::string ExplainHeaderRejection(const Bytes &pdu) {
     if (pdu.size() < 2) {
-        return "not a WSP push PDU (too short: " + std::to_string(pdu.size()) + (pdu.size() == 1 ? " byte)" : " bytes)");
+        return "not a WSP push PDU (too short: " + std::to_string(pdu.size()) +
+               (pdu.size() == 1 ? " byte)" : " bytes)");
     }
     if (pdu[1] != 0x06) return "not a WSP push PDU (PDU type " + Hex(pdu[1]) + ")";
     if (pdu.size() < 3) return "truncated push header (no header length)";
@@ -36,7 +37,8 @@ std::string ExplainBodyRejection(const WbxmlFacts &facts) {
     if (!facts.header_ok) return "malformed WBXML (the document header is cut short)";
     if (facts.status == TQS_ERROR_WBXML_DIFFERENT_VERSION) {
         std::string why = "not a provisioning document (public id " + Hex(facts.public_id);
-        if (facts.public_id == 0 && !facts.literal.empty()) why += ", literal \"" + EscapeJson(facts.literal) + "\"";
+        if (facts.public_id == 0 && !facts.literal.empty())
+            why += ", literal \"" + EscapeJson(facts.literal) + "\"";
         return why + ")";
     }
     if (facts.status != TQS_OK) return "malformed WBXML (status " + Hex(facts.status, 1) + ")";

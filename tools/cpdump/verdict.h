@@ -21,7 +21,7 @@ struct WbxmlFacts {
     std::uint32_t public_id = 0;
     std::uint32_t charset = 0;
     std::uint32_t string_table_length = 0;
-    std::string literal;  // string table start, for a literal public identifier
+    std::string literal;        // string table start, for a literal public identifier
     TqsResult status = TQS_OK;  // of the whole decode
 };
 

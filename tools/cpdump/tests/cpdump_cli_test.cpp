@@ -45,8 +45,8 @@ void WriteBytes(const fs::path &path, const void *data, std::size_t size) {
 }
 
 struct Result {
-    int exit = -1;    // exit status, or -1 when the process did not exit normally
-    int signal = 0;   // the signal that ended it
+    int exit = -1;   // exit status, or -1 when the process did not exit normally
+    int signal = 0;  // the signal that ended it
     std::string out, err;
 
     int ErrLines() const {
@@ -57,7 +57,7 @@ struct Result {
 };
 
 class Scratch {
-public:
+   public:
     Scratch() {
         char tmpl[] = "/tmp/cpdump-test-XXXXXX";
         dir_ = mkdtemp(tmpl);
@@ -68,7 +68,7 @@ public:
     }
     fs::path File(const std::string &name) const { return dir_ / name; }
 
-private:
+   private:
     fs::path dir_;
 };
 
@@ -107,7 +107,9 @@ Result Run(const std::vector<std::string> &args, const Bytes &in = {}) {
     return r;
 }
 
-std::string Corpus(const std::string &relative) { return (kCorpus / relative).string(); }
+std::string Corpus(const std::string &relative) {
+    return (kCorpus / relative).string();
+}
 
 TEST(CorpusIsThere, SamplesCanBeRead) {
     ASSERT_TRUE(fs::exists(kCorpus / "SOURCES.md")) << "corpus expected at " << kCorpus;
@@ -120,7 +122,9 @@ struct Golden {
     std::vector<std::string> args;
 };
 
-std::ostream &operator<<(std::ostream &os, const Golden &g) { return os << g.name; }
+std::ostream &operator<<(std::ostream &os, const Golden &g) {
+    return os << g.name;
+}
 
 class GoldenOutput : public ::testing::TestWithParam<Golden> {};
 
@@ -166,8 +170,7 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"own-identity-vendor-access.xml", {"--xml", "--body", "own/identity-vendor-access.wbxml"}},
         Golden{"own-literal-pubid-opaque.json", {"--body", "own/literal-pubid-opaque.wbxml"}},
         // The built-in sample.
-        Golden{"sample.json", {}},
-        Golden{"sample.xml", {"--xml"}},
+        Golden{"sample.json", {}}, Golden{"sample.xml", {"--xml"}},
         Golden{"sample.header.json", {"--header-only"}}),
     [](const ::testing::TestParamInfo<Golden> &info) {
         std::string name = info.param.name;
@@ -245,7 +248,8 @@ TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
     // A whole PDU: the body copy of the push header is never released.
     const Result pdu = Run({"--leaks", Corpus("ws-bank-userpin.pdu")});
     ASSERT_EQ(pdu.exit, 0);
-    EXPECT_NE(pdu.err.find("Filename:jni/src/ClientProv/tqspushhandler Line:167"), std::string::npos) << pdu.err;
+    EXPECT_NE(pdu.err.find("Filename:jni/src/ClientProv/tqspushhandler Line:167"), std::string::npos)
+        << pdu.err;
     EXPECT_EQ(pdu.err.find("tqspushhandler Line:51"), std::string::npos) << pdu.err;
 }
 
@@ -279,8 +283,9 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
         const Bytes pdu = ReadBytes(kCorpus / sample);
         const Result binary = Run({Corpus(sample)});
         ASSERT_EQ(binary.exit, 0) << sample;
-        const std::string spellings[] = {ToHex(pdu, "", "", 0), ToHex(pdu, "", " ", 16), ToHex(pdu, "", ":", 0),
-                                         ToHex(pdu, "0x", " ", 8), "0x" + ToHex(pdu, "", "", 32)};
+        const std::string spellings[] = {ToHex(pdu, "", "", 0), ToHex(pdu, "", " ", 16),
+                                         ToHex(pdu, "", ":", 0), ToHex(pdu, "0x", " ", 8),
+                                         "0x" + ToHex(pdu, "", "", 32)};
         for (const std::string &hex : spellings) {
             const fs::path path = scratch.File("push.hex");
             WriteBytes(path, hex.data(), hex.size());
@@ -318,7 +323,10 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
          {"-"},
          {0x01, 0x06, 0x2F, 0xB6},
          "truncated push header (header length 47, but only 1 bytes follow it)"},
-        {"public id", {"-"}, Push({0x03, 0x01, 0x6A, 0x00, 0x45, 0x01}), "not a provisioning document (public id 0x01)"},
+        {"public id",
+         {"-"},
+         Push({0x03, 0x01, 0x6A, 0x00, 0x45, 0x01}),
+         "not a provisioning document (public id 0x01)"},
         {"literal public id",
          {"--body", "-"},
          {0x03, 0x00, 0x00, 0x6A, 0x04, 'a', '/', 'b', 0x00, 0x45, 0x01},
@@ -332,7 +340,9 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
          {Corpus("pdus/negative/moz-vendorconfig-truncated.pdu")},
          {},
          "malformed WBXML (status 0x1007)"},
-        {"body ends early, xml", {"--xml", "--body", Corpus("negative/moz-vendorconfig-truncated.wbxml")}, {},
+        {"body ends early, xml",
+         {"--xml", "--body", Corpus("negative/moz-vendorconfig-truncated.wbxml")},
+         {},
          "malformed WBXML (status 0x1007)"},
     };
     for (const Case &c : cases) {
@@ -348,20 +358,23 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
 
 // Deterministic damage: every run sees the same inputs.
 class Lcg {
-public:
+   public:
     explicit Lcg(std::uint32_t seed) : state_(seed) {}
     std::uint32_t Next() {
         state_ = state_ * 1664525u + 1013904223u;
         return state_ >> 8;
     }
 
-private:
+   private:
     std::uint32_t state_;
 };
 
 TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
-    const char *seeds[] = {"ws-bank-userpin.pdu", "mihini-dm-bootstrap.pdu", "pdus/own/wifi-roaming.pdu",
-                           "pdus/own/identity-vendor-access.mac.pdu", "pdus/moz-provcont-appendix-c.pdu",
+    const char *seeds[] = {"ws-bank-userpin.pdu",
+                           "mihini-dm-bootstrap.pdu",
+                           "pdus/own/wifi-roaming.pdu",
+                           "pdus/own/identity-vendor-access.mac.pdu",
+                           "pdus/moz-provcont-appendix-c.pdu",
                            "pdus/cpc-email.pdu"};
     Lcg rng(20261121);
     int runs = 0, decoded = 0;

@@ -13,12 +13,14 @@
 namespace cpdump {
 namespace {
 
-Bytes B(std::string_view s) { return Bytes(s.begin(), s.end()); }
+Bytes B(std::string_view s) {
+    return Bytes(s.begin(), s.end());
+}
 
 TEST(HexInput, AcceptsTheUsualSpellings) {
     const Bytes expected = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80};
-    for (const char *text : {"010603b69180", "01 06 03 B6 91 80\n", "01:06:03:b6:91:80", "0x01 0x06 0x03 0xB6 0x91 0x80",
-                             "0X010603\r\n\tB69180", "0x010603B69180\n"}) {
+    for (const char *text : {"010603b69180", "01 06 03 B6 91 80\n", "01:06:03:b6:91:80",
+                             "0x01 0x06 0x03 0xB6 0x91 0x80", "0X010603\r\n\tB69180", "0x010603B69180\n"}) {
         SCOPED_TRACE(text);
         Bytes out;
         std::string error;
@@ -50,10 +52,10 @@ TEST(Escaping, JsonKeepsUtf8AndShowsOtherBytes) {
         {"line\nbreak\ttab\r", "line\\nbreak\\ttab\\r"},
         {std::string("\x01\x1F\x7F", 3), "\\u0001\\u001F\\u007F"},
         {"caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\xB1", "caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x93\xB1"},
-        {"P\xE1SE1", "P\\\\xE1SE1"},            // a lone value token inside a text
-        {"\xC0\x80", "\\\\xC0\\\\x80"},         // overlong zero
-        {"\xED\xA0\x80", "\\\\xED\\\\xA0\\\\x80"},  // surrogate half
-        {"ab\xE2\x82", "ab\\\\xE2\\\\x82"},     // cut-off sequence at the end
+        {"P\xE1SE1", "P\\\\xE1SE1"},                           // a lone value token inside a text
+        {"\xC0\x80", "\\\\xC0\\\\x80"},                        // overlong zero
+        {"\xED\xA0\x80", "\\\\xED\\\\xA0\\\\x80"},             // surrogate half
+        {"ab\xE2\x82", "ab\\\\xE2\\\\x82"},                    // cut-off sequence at the end
         {"\xF4\x90\x80\x80", "\\\\xF4\\\\x90\\\\x80\\\\x80"},  // beyond U+10FFFF
     };
     for (const Case &c : cases) EXPECT_EQ(EscapeJson(c.in), c.out) << c.in;
@@ -110,7 +112,8 @@ TEST(Tokens, OneByteValuesAreNamed) {
 
 TEST(Tokens, EveryBearerCodeOfTheGettersHasItsName) {
     // The bearer table runs without gaps from 0xA2 "GSM-USSD" to 0xBC "WLAN".
-    for (int code = 0xA2; code <= 0xBC; ++code) EXPECT_NE(ValueTokenName(static_cast<unsigned char>(code)), nullptr) << code;
+    for (int code = 0xA2; code <= 0xBC; ++code)
+        EXPECT_NE(ValueTokenName(static_cast<unsigned char>(code)), nullptr) << code;
     EXPECT_STREQ(ValueTokenName(0xA2), "GSM-USSD");
     EXPECT_STREQ(ValueTokenName(0xB2), "FLEX/REFLEX");
     EXPECT_STREQ(ValueTokenName(0xBC), "WLAN");
@@ -143,9 +146,9 @@ TEST(AppView, AddressTypesOfProxiesAndAccessPoints) {
 TEST(AppView, AuthenticationTypeAndLevel) {
     struct Case {
         const char *stored, *auth_type;
-    } auth[] = {{"PAP", "PAP"},   {"\x9A", "PAP"},        {"pap", "NONE"},     {"\x9C", "HTTP-BASIC"},
-                {"CHAP", "CHAP"}, {"WTLS-SS", "WTLS-SS"}, {"WTLS_SS", "NONE"}, {"\x9F", "MD5"},
-                {"", "NONE"}};
+    } auth[] = {{"PAP", "PAP"},         {"\x9A", "PAP"},  {"pap", "NONE"},
+                {"\x9C", "HTTP-BASIC"}, {"CHAP", "CHAP"}, {"WTLS-SS", "WTLS-SS"},
+                {"WTLS_SS", "NONE"},    {"\x9F", "MD5"},  {"", "NONE"}};
     for (const Case &c : auth) EXPECT_STREQ(AppAuthType(c.stored), c.auth_type) << c.stored;
     EXPECT_EQ(AppAuthType(nullptr), nullptr);
 
