@@ -48,77 +48,146 @@ const T *PointerAt(const void *record, std::size_t offset) {
 // ---- String fields, shared by the tree record and the context record of a
 // type (both name them alike and keep them in the same order).
 
+// clang-format off
 #define STR(T, f, n) Field{n, offsetof(T, f), Kind::kString},
 #define RSV(T, f, n) Field{n, offsetof(T, f), Kind::kReserved},
 
 #define PXAUTHINFO_STRINGS(T) \
-    STR(T, pszPxAuthType, "PXAUTH-TYPE") STR(T, pszPxAuthId, "PXAUTH-ID") STR(T, pszPxAuthPw, "PXAUTH-PW")
-#define PORT_STRINGS(T) STR(T, pszPortNbr, "PORTNBR")
-#define PXPHYSICAL_STRINGS(T)                                                                            \
-    STR(T, pszPhysicalProxyId, "PHYSICAL-PROXY-ID")                                                      \
-    STR(T, pszPxAddr, "PXADDR") STR(T, pszPxAddrType, "PXADDRTYPE") STR(T, pszPxAddrFqdn, "PXADDR-FQDN") \
-        STR(T, pszWspVersion, "WSP-VERSION") STR(T, pszPushEnabled, "PUSHENABLED")                       \
-            STR(T, pszPullEnabled, "PULLENABLED")
-#define PXLOGICAL_STRINGS(T)                                                                                 \
-    STR(T, pszProxyId, "PROXY-ID")                                                                           \
-    STR(T, pszProxyPw, "PROXY-PW") STR(T, pszPpgAuthType, "PPGAUTH-TYPE")                                    \
-        STR(T, pszProxyProviderId, "PROXY-PROVIDER-ID") STR(T, pszName, "NAME") STR(T, pszTrust, "TRUST")    \
-            STR(T, pszMaster, "MASTER") STR(T, pszStartPage, "STARTPAGE") RSV(T, pszReserved1, "RESERVED-1") \
-                RSV(T, pszReserved2, "RESERVED-2") RSV(T, pszReserved3, "RESERVED-3")                        \
-                    RSV(T, pszReserved4, "RESERVED-4") RSV(T, pszReserved5, "RESERVED-5")
-#define NAPDEF_STRINGS(T)                                                                                    \
-    STR(T, pszNapId, "NAPID")                                                                                \
-    STR(T, pszName, "NAME") STR(T, pszInternet, "INTERNET") STR(T, pszNapAddress, "NAP-ADDRESS") STR(        \
-        T, pszNapAddrType, "NAP-ADDRTYPE") STR(T, pszCallType, "CALLTYPE")                                   \
-        STR(T, pszLocalAddr, "LOCAL-ADDR") STR(T, pszLocalAddrType, "LOCAL-ADDRTYPE") STR(                   \
-            T, pszLinkSpeed, "LINKSPEED") STR(T, pszDnLinkSpeed, "DNLINKSPEED") STR(T, pszLinger, "LINGER")  \
-            STR(T, pszDeliveryErrSdu, "DELIVERY-ERR-SDU") STR(T, pszDeliveryOrder, "DELIVERY-ORDER")         \
-                STR(T, pszTrafficClass, "TRAFFIC-CLASS") STR(T, pszMaxSduSize, "MAX-SDU-SIZE")               \
-                    STR(T, pszMaxBitrateUplink, "MAX-BITRATE-UPLINK")                                        \
-                        STR(T, pszMaxBitrateDnlink, "MAX-BITRATE-DNLINK") RSV(T, pszReserved1, "RESERVED-1") \
-                            RSV(T, pszReserved2, "RESERVED-2") RSV(T, pszReserved3, "RESERVED-3")            \
-                                RSV(T, pszReserved4, "RESERVED-4") RSV(T, pszReserved5, "RESERVED-5")        \
-                                    RSV(T, pszReserved6, "RESERVED-6")                                       \
-                                        STR(T, pszMaxNumRetry, "MAX-NUM-RETRY")                              \
-                                            STR(T, pszFirstRetryTimeout, "FIRST-RETRY-TIMEOUT")              \
-                                                STR(T, pszReregThreshold, "REREG-THRESHOLD")                 \
-                                                    STR(T, pszTBit, "T-BIT") STR(T, pszInit, "INIT")
-#define NAPAUTHINFO_STRINGS(T)      \
+    STR(T, pszPxAuthType, "PXAUTH-TYPE") \
+    STR(T, pszPxAuthId, "PXAUTH-ID") \
+    STR(T, pszPxAuthPw, "PXAUTH-PW")
+
+#define PORT_STRINGS(T) \
+    STR(T, pszPortNbr, "PORTNBR")
+
+#define PXPHYSICAL_STRINGS(T) \
+    STR(T, pszPhysicalProxyId, "PHYSICAL-PROXY-ID") \
+    STR(T, pszPxAddr, "PXADDR") \
+    STR(T, pszPxAddrType, "PXADDRTYPE") \
+    STR(T, pszPxAddrFqdn, "PXADDR-FQDN") \
+    STR(T, pszWspVersion, "WSP-VERSION") \
+    STR(T, pszPushEnabled, "PUSHENABLED") \
+    STR(T, pszPullEnabled, "PULLENABLED")
+
+#define PXLOGICAL_STRINGS(T) \
+    STR(T, pszProxyId, "PROXY-ID") \
+    STR(T, pszProxyPw, "PROXY-PW") \
+    STR(T, pszPpgAuthType, "PPGAUTH-TYPE") \
+    STR(T, pszProxyProviderId, "PROXY-PROVIDER-ID") \
+    STR(T, pszName, "NAME") \
+    STR(T, pszTrust, "TRUST") \
+    STR(T, pszMaster, "MASTER") \
+    STR(T, pszStartPage, "STARTPAGE") \
+    RSV(T, pszReserved1, "RESERVED-1") \
+    RSV(T, pszReserved2, "RESERVED-2") \
+    RSV(T, pszReserved3, "RESERVED-3") \
+    RSV(T, pszReserved4, "RESERVED-4") \
+    RSV(T, pszReserved5, "RESERVED-5")
+
+#define NAPDEF_STRINGS(T) \
+    STR(T, pszNapId, "NAPID") \
+    STR(T, pszName, "NAME") \
+    STR(T, pszInternet, "INTERNET") \
+    STR(T, pszNapAddress, "NAP-ADDRESS") \
+    STR(T, pszCallType, "CALLTYPE") \
+    STR(T, pszLocalAddr, "LOCAL-ADDR") \
+    STR(T, pszLocalAddrType, "LOCAL-ADDRTYPE") \
+    STR(T, pszDnLinkSpeed, "DNLINKSPEED") \
+    STR(T, pszLinger, "LINGER") \
+    STR(T, pszDeliveryErrSdu, "DELIVERY-ERR-SDU") \
+    STR(T, pszDeliveryOrder, "DELIVERY-ORDER") \
+    STR(T, pszTrafficClass, "TRAFFIC-CLASS") \
+    STR(T, pszMaxSduSize, "MAX-SDU-SIZE") \
+    STR(T, pszMaxBitrateUplink, "MAX-BITRATE-UPLINK") \
+    STR(T, pszMaxBitrateDnlink, "MAX-BITRATE-DNLINK") \
+    RSV(T, pszReserved1, "RESERVED-1") \
+    RSV(T, pszReserved2, "RESERVED-2") \
+    RSV(T, pszReserved3, "RESERVED-3") \
+    RSV(T, pszReserved4, "RESERVED-4") \
+    RSV(T, pszReserved5, "RESERVED-5") \
+    RSV(T, pszReserved6, "RESERVED-6") \
+    STR(T, pszMaxNumRetry, "MAX-NUM-RETRY") \
+    STR(T, pszFirstRetryTimeout, "FIRST-RETRY-TIMEOUT") \
+    STR(T, pszReregThreshold, "REREG-THRESHOLD") \
+    STR(T, pszTBit, "T-BIT") \
+    STR(T, pszInit, "INIT")
+
+#define NAPAUTHINFO_STRINGS(T) \
     STR(T, pszAuthType, "AUTHTYPE") \
-    STR(T, pszAuthName, "AUTHNAME") STR(T, pszAuthSecret, "AUTHSECRET") RSV(T, pszReserved1, "RESERVED-1")
-#define VALIDITY_STRINGS(T)                                                   \
-    STR(T, pszCountry, "COUNTRY")                                             \
-    STR(T, pszNetwork, "NETWORK") STR(T, pszSid, "SID") STR(T, pszSoc, "SOC") \
-        STR(T, pszValidUntil, "VALIDUNTIL")
+    STR(T, pszAuthName, "AUTHNAME") \
+    STR(T, pszAuthSecret, "AUTHSECRET") \
+    RSV(T, pszReserved1, "RESERVED-1")
+
+#define VALIDITY_STRINGS(T) \
+    STR(T, pszCountry, "COUNTRY") \
+    STR(T, pszNetwork, "NETWORK") \
+    STR(T, pszSid, "SID") \
+    STR(T, pszSoc, "SOC") \
+    STR(T, pszValidUntil, "VALIDUNTIL")
+
 #define BOOTSTRAP_STRINGS(T) \
-    STR(T, pszName, "NAME")  \
-    STR(T, pszCountry, "COUNTRY") STR(T, pszProvUrl, "PROVURL") STR(T, pszContextAllow, "CONTEXT-ALLOW")
-#define APPADDR_STRINGS(T) STR(T, pszAddr, "ADDR") STR(T, pszAddrType, "ADDRTYPE")
-#define APPAUTH_STRINGS(T)                                              \
-    STR(T, pszAAuthLevel, "AAUTHLEVEL")                                 \
-    STR(T, pszAAuthType, "AAUTHTYPE") STR(T, pszAAuthName, "AAUTHNAME") \
-        STR(T, pszAAuthSecret, "AAUTHSECRET") STR(T, pszAAuthData, "AAUTHDATA")
-#define RESOURCE_STRINGS(T)                                                                 \
-    STR(T, pszUri, "URI")                                                                   \
-    STR(T, pszName, "NAME") STR(T, pszAAccept, "AACCEPT") STR(T, pszAAuthType, "AAUTHTYPE") \
-        STR(T, pszAAuthName, "AAUTHNAME") STR(T, pszAAuthSecret, "AAUTHSECRET")             \
-            STR(T, pszAAuthData, "AAUTHDATA") STR(T, pszStartPage, "STARTPAGE")
-#define ROAMING_STRINGS(T) STR(T, pszSyncAllowed, "SYNC-ALLOWED") STR(T, pszSyncDefault, "SYNC-DEFAULT")
-#define APPLICATION_STRINGS(T)                                                                          \
-    STR(T, pszAppId, "APPID")                                                                           \
-    STR(T, pszProviderId, "PROVIDER-ID") STR(T, pszFrom, "FROM") STR(T, pszName, "NAME")                \
-        STR(T, pszAAccept, "AACCEPT") STR(T, pszAProtocol, "APROTOCOL") STR(T, pszInternet, "INTERNET") \
-            STR(T, pszXcapAuidDcs, "XCAP_AUID_DCS") STR(T, pszXcapAuidPms, "XCAP_AUID_PMS")             \
-                STR(T, pszXcapAuidCdms, "XCAP_AUID_CDMS") STR(T, pszXcapImeiHeader, "XCAP_IMEI_HEADER") \
-                    STR(T, pszXcapTidHeader, "XCAP_TID_HEADER")
-#define CLIENTIDENTITY_STRINGS(T) STR(T, pszClientId, "CLIENT-ID")
-#define WIFI_STRINGS(T)                                                                                 \
-    STR(T, pszNetSsid, "NETSSID")                                                                       \
-    STR(T, pszSecMode, "SECMODE") STR(T, pszEapMethod, "EAPMETHOD") STR(T, pszEapType, "EAPTYPE")       \
-        STR(T, pszUserName, "USERNAME") STR(T, pszAnonUserName, "ANONUSERNAME")                         \
-            STR(T, pszPassword, "PASSWORD") STR(T, pszCaCert, "CACERT") STR(T, pszUserCert, "USERCERT") \
-                STR(T, pszPhase1, "PHASE1") STR(T, pszAuthAlgorithm, "AUTHALGORITHM")                   \
-                    STR(T, pszPriority, "PRIORITY")
+    STR(T, pszName, "NAME") \
+    STR(T, pszCountry, "COUNTRY") \
+    STR(T, pszProvUrl, "PROVURL") \
+    STR(T, pszContextAllow, "CONTEXT-ALLOW")
+
+#define APPADDR_STRINGS(T) \
+    STR(T, pszAddr, "ADDR") \
+    STR(T, pszAddrType, "ADDRTYPE")
+
+#define APPAUTH_STRINGS(T) \
+    STR(T, pszAAuthLevel, "AAUTHLEVEL") \
+    STR(T, pszAAuthType, "AAUTHTYPE") \
+    STR(T, pszAAuthName, "AAUTHNAME") \
+    STR(T, pszAAuthSecret, "AAUTHSECRET") \
+    STR(T, pszAAuthData, "AAUTHDATA")
+
+#define RESOURCE_STRINGS(T) \
+    STR(T, pszUri, "URI") \
+    STR(T, pszName, "NAME") \
+    STR(T, pszAAccept, "AACCEPT") \
+    STR(T, pszAAuthType, "AAUTHTYPE") \
+    STR(T, pszAAuthName, "AAUTHNAME") \
+    STR(T, pszAAuthSecret, "AAUTHSECRET") \
+    STR(T, pszAAuthData, "AAUTHDATA") \
+    STR(T, pszStartPage, "STARTPAGE")
+
+#define ROAMING_STRINGS(T) \
+    STR(T, pszSyncAllowed, "SYNC-ALLOWED") \
+    STR(T, pszSyncDefault, "SYNC-DEFAULT")
+
+#define APPLICATION_STRINGS(T) \
+    STR(T, pszAppId, "APPID") \
+    STR(T, pszProviderId, "PROVIDER-ID") \
+    STR(T, pszFrom, "FROM") \
+    STR(T, pszName, "NAME") \
+    STR(T, pszAAccept, "AACCEPT") \
+    STR(T, pszAProtocol, "APROTOCOL") \
+    STR(T, pszInternet, "INTERNET") \
+    STR(T, pszXcapAuidDcs, "XCAP_AUID_DCS") \
+    STR(T, pszXcapAuidPms, "XCAP_AUID_PMS") \
+    STR(T, pszXcapAuidCdms, "XCAP_AUID_CDMS") \
+    STR(T, pszXcapImeiHeader, "XCAP_IMEI_HEADER") \
+    STR(T, pszXcapTidHeader, "XCAP_TID_HEADER")
+
+#define CLIENTIDENTITY_STRINGS(T) \
+    STR(T, pszClientId, "CLIENT-ID")
+
+#define WIFI_STRINGS(T) \
+    STR(T, pszNetSsid, "NETSSID") \
+    STR(T, pszSecMode, "SECMODE") \
+    STR(T, pszEapMethod, "EAPMETHOD") \
+    STR(T, pszEapType, "EAPTYPE") \
+    STR(T, pszUserName, "USERNAME") \
+    STR(T, pszAnonUserName, "ANONUSERNAME") \
+    STR(T, pszPassword, "PASSWORD") \
+    STR(T, pszCaCert, "CACERT") \
+    STR(T, pszUserCert, "USERCERT") \
+    STR(T, pszPhase1, "PHASE1") \
+    STR(T, pszAuthAlgorithm, "AUTHALGORITHM") \
+    STR(T, pszPriority, "PRIORITY")
+
+// clang-format on
 
 // ---- Context records.
 
@@ -160,53 +229,75 @@ void AppAppAuth(JsonWriter &json, const void *record) {
     }
 }
 
+// clang-format off
 constexpr Field kCtxPxAuthInfoFields[] = {PXAUTHINFO_STRINGS(tqsCtxPxAuthInfo)};
 constexpr Record kCtxPxAuthInfo{"PXAUTHINFO", kCtxPxAuthInfoFields, offsetof(tqsCtxPxAuthInfo, ptNext)};
 
-constexpr Field kCtxPortFields[] = {PORT_STRINGS(tqsCtxPort) CHAIN(tqsCtxPort, ptService, "SERVICE")};
+constexpr Field kCtxPortFields[] = {
+    PORT_STRINGS(tqsCtxPort)
+    CHAIN(tqsCtxPort, ptService, "SERVICE")
+};
 constexpr Record kCtxPort{"PORT", kCtxPortFields, offsetof(tqsCtxPort, ptNext)};
 
 constexpr Field kCtxPxPhysicalFields[] = {
-    PXPHYSICAL_STRINGS(tqsCtxPxPhysical) CHAIN(tqsCtxPxPhysical, ptDomain, "DOMAIN")
-        CHAIN(tqsCtxPxPhysical, ptToNapId, "TO-NAPID") CHILD(tqsCtxPxPhysical, ptPort, "PORT", kCtxPort)};
+    PXPHYSICAL_STRINGS(tqsCtxPxPhysical)
+    CHAIN(tqsCtxPxPhysical, ptDomain, "DOMAIN")
+    CHAIN(tqsCtxPxPhysical, ptToNapId, "TO-NAPID")
+    CHILD(tqsCtxPxPhysical, ptPort, "PORT", kCtxPort)
+};
 constexpr Record kCtxPxPhysical{"PXPHYSICAL", kCtxPxPhysicalFields, offsetof(tqsCtxPxPhysical, ptNext),
                                 AppPxPhysical};
 
 constexpr Field kCtxPxLogicalFields[] = {
-    PXLOGICAL_STRINGS(tqsCtxPxLogical) CHAIN(tqsCtxPxLogical, ptDomain, "DOMAIN")
-        CHILD(tqsCtxPxLogical, ptPxAuthInfo, "PXAUTHINFO", kCtxPxAuthInfo)
-            CHILD(tqsCtxPxLogical, ptPort, "PORT", kCtxPort)
-                CHILD(tqsCtxPxLogical, ptPxPhysical, "PXPHYSICAL", kCtxPxPhysical)};
+    PXLOGICAL_STRINGS(tqsCtxPxLogical)
+    CHAIN(tqsCtxPxLogical, ptDomain, "DOMAIN")
+    CHILD(tqsCtxPxLogical, ptPxAuthInfo, "PXAUTHINFO", kCtxPxAuthInfo)
+    CHILD(tqsCtxPxLogical, ptPort, "PORT", kCtxPort)
+    CHILD(tqsCtxPxLogical, ptPxPhysical, "PXPHYSICAL", kCtxPxPhysical)
+};
 constexpr Record kCtxPxLogical{"PXLOGICAL", kCtxPxLogicalFields, offsetof(tqsCtxPxLogical, ptNext)};
 
-constexpr Field kCtxNapAuthInfoFields[] = {NAPAUTHINFO_STRINGS(tqsCtxNapAuthInfo)
-                                               CHAIN(tqsCtxNapAuthInfo, ptAuthEntity, "AUTH-ENTITY")};
+constexpr Field kCtxNapAuthInfoFields[] = {
+    NAPAUTHINFO_STRINGS(tqsCtxNapAuthInfo)
+    CHAIN(tqsCtxNapAuthInfo, ptAuthEntity, "AUTH-ENTITY")
+};
 constexpr Record kCtxNapAuthInfo{"NAPAUTHINFO", kCtxNapAuthInfoFields, offsetof(tqsCtxNapAuthInfo, ptNext),
                                  AppNapAuthInfo};
 
 constexpr Field kCtxValidityFields[] = {VALIDITY_STRINGS(tqsCtxValidity)};
 constexpr Record kCtxValidity{"VALIDITY", kCtxValidityFields, offsetof(tqsCtxValidity, ptNext)};
 
-constexpr Field kCtxNapDefFields[] = {NAPDEF_STRINGS(tqsCtxNapDef) CHAIN(tqsCtxNapDef, ptDnsAddr, "DNS-ADDR")
-                                          CHAIN(tqsCtxNapDef, ptBearer, "BEARER") CHILD(
-                                              tqsCtxNapDef, ptNapAuthInfo, "NAPAUTHINFO", kCtxNapAuthInfo)
-                                              CHILD(tqsCtxNapDef, ptValidity, "VALIDITY", kCtxValidity)};
+constexpr Field kCtxNapDefFields[] = {
+    NAPDEF_STRINGS(tqsCtxNapDef)
+    CHAIN(tqsCtxNapDef, ptDnsAddr, "DNS-ADDR")
+    CHAIN(tqsCtxNapDef, ptBearer, "BEARER")
+    CHILD(tqsCtxNapDef, ptNapAuthInfo, "NAPAUTHINFO", kCtxNapAuthInfo)
+    CHILD(tqsCtxNapDef, ptValidity, "VALIDITY", kCtxValidity)
+};
 constexpr Record kCtxNapDef{"NAPDEF", kCtxNapDefFields, offsetof(tqsCtxNapDef, ptNext), AppNapDef};
 
-constexpr Field kCtxBootstrapFields[] = {BOOTSTRAP_STRINGS(tqsCtxBootstrap) CHAIN(
-    tqsCtxBootstrap, ptProxyId, "PROXY-ID") CHAIN(tqsCtxBootstrap, ptNetwork, "NETWORK")};
+constexpr Field kCtxBootstrapFields[] = {
+    BOOTSTRAP_STRINGS(tqsCtxBootstrap)
+    CHAIN(tqsCtxBootstrap, ptProxyId, "PROXY-ID")
+    CHAIN(tqsCtxBootstrap, ptNetwork, "NETWORK")
+};
 constexpr Record kCtxBootstrap{"BOOTSTRAP", kCtxBootstrapFields, offsetof(tqsCtxBootstrap, ptNext)};
 
 constexpr Field kCtxClientIdentFields[] = {CLIENTIDENTITY_STRINGS(tqsCtxClientIdent)};
 constexpr Record kCtxClientIdent{"CLIENTIDENTITY", kCtxClientIdentFields};
 
-constexpr Field kCtxVenderConfigFields[] = {STR(tqsCtxVenderConfig, pszName, "NAME") STR(
-    tqsCtxVenderConfig, pszParmName, "PARM-NAME") STR(tqsCtxVenderConfig, pszParmValue, "PARM-VALUE")};
+constexpr Field kCtxVenderConfigFields[] = {
+    STR(tqsCtxVenderConfig, pszName, "NAME")
+    STR(tqsCtxVenderConfig, pszParmName, "PARM-NAME")
+    STR(tqsCtxVenderConfig, pszParmValue, "PARM-VALUE")
+};
 constexpr Record kCtxVenderConfig{"VENDORCONFIG", kCtxVenderConfigFields,
                                   offsetof(tqsCtxVenderConfig, ptNext)};
 
-constexpr Field kCtxAppAddrFields[] = {APPADDR_STRINGS(tqsCtxAppAddr)
-                                           CHILD(tqsCtxAppAddr, ptPort, "PORT", kCtxPort)};
+constexpr Field kCtxAppAddrFields[] = {
+    APPADDR_STRINGS(tqsCtxAppAddr)
+    CHILD(tqsCtxAppAddr, ptPort, "PORT", kCtxPort)
+};
 constexpr Record kCtxAppAddr{"APPADDR", kCtxAppAddrFields, offsetof(tqsCtxAppAddr, ptNext)};
 
 constexpr Field kCtxAppAuthFields[] = {APPAUTH_STRINGS(tqsCtxAppAuth)};
@@ -219,22 +310,31 @@ constexpr Field kCtxRoamingFields[] = {ROAMING_STRINGS(tqsCtxRoaming)};
 constexpr Record kCtxRoaming{"ROAMING", kCtxRoamingFields, offsetof(tqsCtxRoaming, ptNext)};
 
 constexpr Field kCtxApplicationFields[] = {
-    APPLICATION_STRINGS(tqsCtxApplication) CHAIN(tqsCtxApplication, ptToProxy, "TO-PROXY")
-        CHAIN(tqsCtxApplication, ptToNapId, "TO-NAPID") CHAIN(tqsCtxApplication, ptToAddr, "ADDR")
-            CHILD(tqsCtxApplication, ptAppAddr, "APPADDR", kCtxAppAddr)
-                CHILD(tqsCtxApplication, ptAppAuth, "APPAUTH", kCtxAppAuth)
-                    CHILD(tqsCtxApplication, ptResource, "RESOURCE", kCtxResource)
-                        CHILD(tqsCtxApplication, ptRoaming, "ROAMING", kCtxRoaming)};
+    APPLICATION_STRINGS(tqsCtxApplication)
+    CHAIN(tqsCtxApplication, ptToProxy, "TO-PROXY")
+    CHAIN(tqsCtxApplication, ptToNapId, "TO-NAPID")
+    CHAIN(tqsCtxApplication, ptToAddr, "ADDR")
+    CHILD(tqsCtxApplication, ptAppAddr, "APPADDR", kCtxAppAddr)
+    CHILD(tqsCtxApplication, ptAppAuth, "APPAUTH", kCtxAppAuth)
+    CHILD(tqsCtxApplication, ptResource, "RESOURCE", kCtxResource)
+    CHILD(tqsCtxApplication, ptRoaming, "ROAMING", kCtxRoaming)
+};
 constexpr Record kCtxApplication{"APPLICATION", kCtxApplicationFields, offsetof(tqsCtxApplication, ptNext)};
 
 constexpr Field kCtxAccessFields[] = {
-    CHAIN(tqsCtxAccess, ptRule, "RULE") CHAIN(tqsCtxAccess, ptAppId, "APPID")
-        CHAIN(tqsCtxAccess, ptPortNbr, "PORTNBR") CHAIN(tqsCtxAccess, ptDomain, "DOMAIN")
-            CHAIN(tqsCtxAccess, ptToNapId, "TO-NAPID") CHAIN(tqsCtxAccess, ptToProxy, "TO-PROXY")};
+    CHAIN(tqsCtxAccess, ptRule, "RULE")
+    CHAIN(tqsCtxAccess, ptAppId, "APPID")
+    CHAIN(tqsCtxAccess, ptPortNbr, "PORTNBR")
+    CHAIN(tqsCtxAccess, ptDomain, "DOMAIN")
+    CHAIN(tqsCtxAccess, ptToNapId, "TO-NAPID")
+    CHAIN(tqsCtxAccess, ptToProxy, "TO-PROXY")
+};
 constexpr Record kCtxAccess{"ACCESS", kCtxAccessFields, offsetof(tqsCtxAccess, ptNext)};
 
 constexpr Field kCtxWifiFields[] = {WIFI_STRINGS(tqsCtxWifi)};
 constexpr Record kCtxWifi{"WI-FI", kCtxWifiFields, offsetof(tqsCtxWifi, ptNext)};
+
+// clang-format on
 
 constexpr Field kCtxRootFields[] = {
     Field{"PXLOGICAL", offsetof(tqsClientProvCtx, ptPxLogical), Kind::kChildChain, &kCtxPxLogical},
@@ -298,36 +398,69 @@ void WriteCtxRecord(JsonWriter &json, const Record &desc, const void *record) {
 #define LIST(T, f, n) Field{n, offsetof(T, f), Kind::kTreeList},
 #define CHARS(T) Field{"", offsetof(T, ptCharacterList), Kind::kTreeChars},
 
+// clang-format off
 constexpr Field kWapPxLogicalFields[] = {
-    PXLOGICAL_STRINGS(tqsWapPxLogical) LIST(tqsWapPxLogical, ptDomainList, "DOMAIN") CHARS(tqsWapPxLogical)};
+    PXLOGICAL_STRINGS(tqsWapPxLogical)
+    LIST(tqsWapPxLogical, ptDomainList, "DOMAIN")
+    CHARS(tqsWapPxLogical)
+};
 constexpr Field kWapPxAuthInfoFields[] = {PXAUTHINFO_STRINGS(tqsWapPxAuthInfo)};
-constexpr Field kWapPortFields[] = {PORT_STRINGS(tqsWapPort) LIST(tqsWapPort, ptServiceList, "SERVICE")};
+constexpr Field kWapPortFields[] = {
+    PORT_STRINGS(tqsWapPort)
+    LIST(tqsWapPort, ptServiceList, "SERVICE")
+};
 constexpr Field kWapPxPhysicalFields[] = {
-    PXPHYSICAL_STRINGS(tqsWapPxPhysical) LIST(tqsWapPxPhysical, ptToNapIdList, "TO-NAPID")
-        LIST(tqsWapPxPhysical, ptDomainList, "DOMAIN") CHARS(tqsWapPxPhysical)};
-constexpr Field kWapNapDefFields[] = {NAPDEF_STRINGS(tqsWapNapDef) LIST(
-    tqsWapNapDef, ptDnsAddrList, "DNS-ADDR") LIST(tqsWapNapDef, ptBearerList, "BEARER") CHARS(tqsWapNapDef)};
-constexpr Field kWapNapAuthInfoFields[] = {NAPAUTHINFO_STRINGS(tqsWapNapAuthInfo)
-                                               LIST(tqsWapNapAuthInfo, ptAuthEntityList, "AUTH-ENTITY")};
+    PXPHYSICAL_STRINGS(tqsWapPxPhysical)
+    LIST(tqsWapPxPhysical, ptToNapIdList, "TO-NAPID")
+    LIST(tqsWapPxPhysical, ptDomainList, "DOMAIN")
+    CHARS(tqsWapPxPhysical)
+};
+constexpr Field kWapNapDefFields[] = {
+    NAPDEF_STRINGS(tqsWapNapDef)
+    LIST(tqsWapNapDef, ptDnsAddrList, "DNS-ADDR")
+    LIST(tqsWapNapDef, ptBearerList, "BEARER")
+    CHARS(tqsWapNapDef)
+};
+constexpr Field kWapNapAuthInfoFields[] = {
+    NAPAUTHINFO_STRINGS(tqsWapNapAuthInfo)
+    LIST(tqsWapNapAuthInfo, ptAuthEntityList, "AUTH-ENTITY")
+};
 constexpr Field kWapValidityFields[] = {VALIDITY_STRINGS(tqsWapValidity)};
-constexpr Field kWapAppAddrFields[] = {APPADDR_STRINGS(tqsWapAppAddr) CHARS(tqsWapAppAddr)};
+constexpr Field kWapAppAddrFields[] = {
+    APPADDR_STRINGS(tqsWapAppAddr)
+    CHARS(tqsWapAppAddr)
+};
 constexpr Field kWapResourceFields[] = {RESOURCE_STRINGS(tqsWapResource)};
 constexpr Field kWapAppAuthFields[] = {APPAUTH_STRINGS(tqsWapAppAuth)};
 constexpr Field kWapApplicationFields[] = {
-    APPLICATION_STRINGS(tqsWapApplication) LIST(tqsWapApplication, ptToProxyList, "TO-PROXY")
-        LIST(tqsWapApplication, ptToNapIdList, "TO-NAPID") LIST(tqsWapApplication, ptAddrList, "ADDR")
-            CHARS(tqsWapApplication)};
-constexpr Field kWapBootstrapFields[] = {BOOTSTRAP_STRINGS(tqsWapBootstrap) LIST(
-    tqsWapBootstrap, ptProxyIdList, "PROXY-ID") LIST(tqsWapBootstrap, ptNetworkList, "NETWORK")};
-constexpr Field kWapVendorConfigFields[] = {STR(tqsWapVendorConfig, pszName, "NAME") Field{
-    "", offsetof(tqsWapVendorConfig, pszParmName), Kind::kNamedParm}};
+    APPLICATION_STRINGS(tqsWapApplication)
+    LIST(tqsWapApplication, ptToProxyList, "TO-PROXY")
+    LIST(tqsWapApplication, ptToNapIdList, "TO-NAPID")
+    LIST(tqsWapApplication, ptAddrList, "ADDR")
+    CHARS(tqsWapApplication)
+};
+constexpr Field kWapBootstrapFields[] = {
+    BOOTSTRAP_STRINGS(tqsWapBootstrap)
+    LIST(tqsWapBootstrap, ptProxyIdList, "PROXY-ID")
+    LIST(tqsWapBootstrap, ptNetworkList, "NETWORK")
+};
+constexpr Field kWapVendorConfigFields[] = {
+    STR(tqsWapVendorConfig, pszName, "NAME")
+    Field{"", offsetof(tqsWapVendorConfig, pszParmName), Kind::kNamedParm}
+};
 constexpr Field kWapClientIdentityFields[] = {CLIENTIDENTITY_STRINGS(tqsWapClientIdentity)};
 constexpr Field kWapAccessFields[] = {
-    LIST(tqsWapAccess, ptRuleList, "RULE") LIST(tqsWapAccess, ptAppIdList, "APPID")
-        LIST(tqsWapAccess, ptPortNbrList, "PORTNBR") LIST(tqsWapAccess, ptDomainList, "DOMAIN")
-            LIST(tqsWapAccess, ptToNapIdList, "TO-NAPID") LIST(tqsWapAccess, ptToProxyList, "TO-PROXY")};
+    LIST(tqsWapAccess, ptRuleList, "RULE")
+    LIST(tqsWapAccess, ptAppIdList, "APPID")
+    LIST(tqsWapAccess, ptPortNbrList, "PORTNBR")
+    LIST(tqsWapAccess, ptDomainList, "DOMAIN")
+    LIST(tqsWapAccess, ptToNapIdList, "TO-NAPID")
+    LIST(tqsWapAccess, ptToProxyList, "TO-PROXY")
+};
 constexpr Field kWapRoamingFields[] = {ROAMING_STRINGS(tqsWapRoaming)};
 constexpr Field kWapWifiFields[] = {WIFI_STRINGS(tqsWapWifi)};
+
+// clang-format on
 
 // The 17 slots of a characteristic, in slot order.
 constexpr Record kWapSlots[] = {
