@@ -89,9 +89,11 @@ const T *PointerAt(const void *record, std::size_t offset) {
     STR(T, pszName, "NAME") \
     STR(T, pszInternet, "INTERNET") \
     STR(T, pszNapAddress, "NAP-ADDRESS") \
+    STR(T, pszNapAddrType, "NAP-ADDRTYPE") \
     STR(T, pszCallType, "CALLTYPE") \
     STR(T, pszLocalAddr, "LOCAL-ADDR") \
     STR(T, pszLocalAddrType, "LOCAL-ADDRTYPE") \
+    STR(T, pszLinkSpeed, "LINKSPEED") \
     STR(T, pszDnLinkSpeed, "DNLINKSPEED") \
     STR(T, pszLinger, "LINGER") \
     STR(T, pszDeliveryErrSdu, "DELIVERY-ERR-SDU") \
@@ -186,7 +188,6 @@ const T *PointerAt(const void *record, std::size_t offset) {
     STR(T, pszPhase1, "PHASE1") \
     STR(T, pszAuthAlgorithm, "AUTHALGORITHM") \
     STR(T, pszPriority, "PRIORITY")
-
 // clang-format on
 
 // ---- Context records.
@@ -347,6 +348,29 @@ constexpr Field kCtxRootFields[] = {
     Field{"WI-FI", offsetof(tqsClientProvCtx, ptWifi), Kind::kChildChain, &kCtxWifi},
 };
 
+// Every field of a context record has its row (ptNext aside).
+#define COVERS(fields, T, extra) \
+    static_assert(std::size(fields) + (extra) == sizeof(T) / sizeof(void *), #fields " covers " #T)
+COVERS(kCtxPxAuthInfoFields, tqsCtxPxAuthInfo, 1);
+COVERS(kCtxPortFields, tqsCtxPort, 1);
+COVERS(kCtxPxPhysicalFields, tqsCtxPxPhysical, 1);
+COVERS(kCtxPxLogicalFields, tqsCtxPxLogical, 1);
+COVERS(kCtxNapAuthInfoFields, tqsCtxNapAuthInfo, 1);
+COVERS(kCtxValidityFields, tqsCtxValidity, 1);
+COVERS(kCtxNapDefFields, tqsCtxNapDef, 1);
+COVERS(kCtxBootstrapFields, tqsCtxBootstrap, 1);
+COVERS(kCtxClientIdentFields, tqsCtxClientIdent, 0);
+COVERS(kCtxVenderConfigFields, tqsCtxVenderConfig, 1);
+COVERS(kCtxAppAddrFields, tqsCtxAppAddr, 1);
+COVERS(kCtxAppAuthFields, tqsCtxAppAuth, 1);
+COVERS(kCtxResourceFields, tqsCtxResource, 1);
+COVERS(kCtxRoamingFields, tqsCtxRoaming, 1);
+COVERS(kCtxApplicationFields, tqsCtxApplication, 1);
+COVERS(kCtxAccessFields, tqsCtxAccess, 1);
+COVERS(kCtxWifiFields, tqsCtxWifi, 1);
+COVERS(kCtxRootFields, tqsClientProvCtx, 0);
+#undef COVERS
+
 void WriteCtxRecord(JsonWriter &json, const Record &desc, const void *record);
 
 void WriteCtxChain(JsonWriter &json, const Record &desc, const void *head) {
@@ -461,6 +485,28 @@ constexpr Field kWapRoamingFields[] = {ROAMING_STRINGS(tqsWapRoaming)};
 constexpr Field kWapWifiFields[] = {WIFI_STRINGS(tqsWapWifi)};
 
 // clang-format on
+
+// Every field of a tree record has its row (the vendor parm row reads two fields).
+#define COVERS(fields, T, extra) \
+    static_assert(std::size(fields) + (extra) == sizeof(T) / sizeof(void *), #fields " covers " #T)
+COVERS(kWapPxLogicalFields, tqsWapPxLogical, 0);
+COVERS(kWapPxAuthInfoFields, tqsWapPxAuthInfo, 0);
+COVERS(kWapPortFields, tqsWapPort, 0);
+COVERS(kWapPxPhysicalFields, tqsWapPxPhysical, 0);
+COVERS(kWapNapDefFields, tqsWapNapDef, 0);
+COVERS(kWapNapAuthInfoFields, tqsWapNapAuthInfo, 0);
+COVERS(kWapValidityFields, tqsWapValidity, 0);
+COVERS(kWapAppAddrFields, tqsWapAppAddr, 0);
+COVERS(kWapResourceFields, tqsWapResource, 0);
+COVERS(kWapAppAuthFields, tqsWapAppAuth, 0);
+COVERS(kWapApplicationFields, tqsWapApplication, 0);
+COVERS(kWapBootstrapFields, tqsWapBootstrap, 0);
+COVERS(kWapVendorConfigFields, tqsWapVendorConfig, 1);
+COVERS(kWapClientIdentityFields, tqsWapClientIdentity, 0);
+COVERS(kWapAccessFields, tqsWapAccess, 0);
+COVERS(kWapRoamingFields, tqsWapRoaming, 0);
+COVERS(kWapWifiFields, tqsWapWifi, 0);
+#undef COVERS
 
 // The 17 slots of a characteristic, in slot order.
 constexpr Record kWapSlots[] = {

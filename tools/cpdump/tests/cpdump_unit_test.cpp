@@ -5,6 +5,7 @@
 #include <string>
 
 #include "input.h"
+#include "records.h"
 #include "sample.h"
 #include "textout.h"
 #include "tokens.h"
@@ -158,6 +159,121 @@ TEST(AppView, AuthenticationTypeAndLevel) {
     EXPECT_STREQ(AppAAuthLevel("client"), "CLIENT");
     EXPECT_STREQ(AppAAuthLevel("CLIENT"), "CLIENT");
     EXPECT_EQ(AppAAuthLevel("USER"), nullptr);
+}
+
+// Contexts and trees built by hand on the stack: the printers only read them.
+std::string ContextJson(const tqsClientProvCtx &ctx) {
+    std::string out;
+    JsonWriter json(&out);
+    json.BeginObject();
+    WriteContextJson(json, ctx);
+    json.EndObject();
+    json.Finish();
+    return out;
+}
+
+char *S(const char *text) {
+    return const_cast<char *>(text);
+}
+
+TEST(ContextJson, EmptyRootListsEveryChain) {
+    const tqsClientProvCtx ctx{};
+    EXPECT_EQ(ContextJson(ctx),
+              "{\n  \"context\": {\n    \"PXLOGICAL\": [],\n    \"NAPDEF\": [],\n    \"BOOTSTRAP\": [],\n"
+              "    \"CLIENTIDENTITY\": null,\n    \"VENDORCONFIG\": [],\n    \"APPLICATION\": [],\n"
+              "    \"ACCESS\": [],\n    \"WI-FI\": []\n  }\n}\n");
+}
+
+TEST(ContextJson, NapDefWithTokensChildrenAndTheApplicationsView) {
+    tqsCtxStrNode bearer2{{S("\xE1")}, nullptr};
+    tqsCtxStrNode bearer1{{S("\xAB")}, &bearer2};
+    tqsCtxNapAuthInfo auth{};
+    auth.pszAuthType = S("\x9B");
+    auth.pszAuthName = S("user");
+    tqsCtxNapDef second{};
+    second.pszNapId = S("NAP2");
+    second.pszNapAddrType = S("\x89");
+    tqsCtxNapDef first{};
+    first.pszNapId = S("NAP1");
+    first.pszNapAddrType = S("APN");  // text: the application's array shifts
+    first.pszInit = S("empty");
+    first.ptBearer = &bearer1;
+    first.ptNapAuthInfo = &auth;
+    first.ptNext = &second;
+    tqsCtxClientIdent ident{S("id\"1")};
+    tqsClientProvCtx ctx{};
+    ctx.ptNapDef = &first;
+    ctx.ptClientIdent = &ident;
+    const std::string json = ContextJson(ctx);
+    const char *expected =
+        "    \"NAPDEF\": [\n"
+        "      {\n"
+        "        \"NAPID\": \"NAP1\",\n"
+        "        \"NAP-ADDRTYPE\": \"APN\",\n"
+        "        \"INIT\": \"empty\",\n"
+        "        \"app\": {\n"
+        "          \"NAP-ADDRTYPE\": null,\n"
+        "          \"elementsShifted\": true\n"
+        "        },\n"
+        "        \"BEARER\": [\n"
+        "          \"GSM-GPRS\",\n"
+        "          \"0xE1\"\n"
+        "        ],\n"
+        "        \"NAPAUTHINFO\": [\n"
+        "          {\n"
+        "            \"AUTHTYPE\": \"CHAP\",\n"
+        "            \"AUTHNAME\": \"user\",\n"
+        "            \"app\": {\n"
+        "              \"AUTHTYPE\": \"CHAP\"\n"
+        "            }\n"
+        "          }\n"
+        "        ]\n"
+        "      },\n"
+        "      {\n"
+        "        \"NAPID\": \"NAP2\",\n"
+        "        \"NAP-ADDRTYPE\": \"APN\",\n"
+        "        \"app\": {\n"
+        "          \"NAP-ADDRTYPE\": \"0x89\"\n"
+        "        }\n"
+        "      }\n"
+        "    ],\n";
+    EXPECT_NE(json.find(expected), std::string::npos) << json;
+    EXPECT_NE(json.find("\"CLIENTIDENTITY\": {\n      \"CLIENT-ID\": \"id\\\"1\"\n    },"), std::string::npos)
+        << json;
+}
+
+TEST(ContextJson, ApplicationChildrenAndAuthenticationLevel) {
+    tqsCtxAppAuth auth2{};
+    auth2.pszAAuthLevel = S("USER");  // unknown level: the application gets null
+    tqsCtxAppAuth auth1{};
+    auth1.pszAAuthLevel = S("\x8D");
+    auth1.ptNext = &auth2;
+    tqsCtxPort port{S("8080"), nullptr, nullptr};
+    tqsCtxPxPhysical phys{};
+    phys.pszPxAddrType = S("\x86");
+    phys.ptPort = &port;
+    tqsCtxPxLogical px{};
+    px.ptPxPhysical = &phys;
+    tqsCtxApplication app{};
+    app.pszAppId = S("w7");
+    app.ptAppAuth = &auth1;
+    tqsClientProvCtx ctx{};
+    ctx.ptApplication = &app;
+    ctx.ptPxLogical = &px;
+    const std::string json = ContextJson(ctx);
+    EXPECT_NE(json.find("\"AAUTHLEVEL\": \"APPSRV\",\n            \"app\": {\n              \"AAUTHLEVEL\": "
+                        "\"APPSRV\""),
+              std::string::npos)
+        << json;
+    EXPECT_NE(
+        json.find("\"AAUTHLEVEL\": \"USER\",\n            \"app\": {\n              \"AAUTHLEVEL\": null"),
+        std::string::npos)
+        << json;
+    EXPECT_NE(json.find("\"PXADDRTYPE\": \"IPV6\",\n            \"app\": {\n              \"PXADDRTYPE\": "
+                        "\"NET_ADDR_IPV6\"\n            },\n            \"PORT\": [\n              {\n"
+                        "                \"PORTNBR\": \"8080\""),
+              std::string::npos)
+        << json;
 }
 
 TEST(HeaderRejection, SaysWhyInWords) {
