@@ -112,6 +112,7 @@ TEST(TqsList, RefusalsAndNullLists) {
     }
     EXPECT_EQ(tqsListGetItemIndex(nullptr, &item, 0), TQS_ERROR_INVALID_PARAM);
     EXPECT_EQ(tqsListGetItemIndexAndDeleteNode(nullptr, &item, 0), TQS_ERROR_INVALID_PARAM);
+    EXPECT_EQ(tqsListGetCount(nullptr), 0u);
 }
 
 TEST(TqsList, ReleaseRule) {
@@ -202,12 +203,17 @@ TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
     TqsListNode *first = list->ptHead;
     TqsListNode *second = first->ptNext;
     void *item = nullptr;
+    tqsListSetCurNodeFirst(list);  // on a node that is about to be dropped
     EXPECT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 2), TQS_OK);
     EXPECT_EQ(item, Item(2));
     EXPECT_EQ(tqsListGetCount(list), 3u);
     ASSERT_NE(list->ptHead, nullptr);
     EXPECT_EQ(list->ptHead->pItem, Item(3));
     EXPECT_EQ(list->ptHead->ptNext, nullptr);
+    // The cursor walks the dropped nodes, then skips the freed one.
+    std::vector<void *> seen;
+    while (tqsListGetItemNext(list, &item) == TQS_OK && item != nullptr) seen.push_back(item);
+    EXPECT_EQ(seen, (std::vector<void *>{Item(0), Item(1), Item(3)}));
     // The chain is shorter than the count now: index walks stop instead of
     // following the null link.
     EXPECT_EQ(tqsListGetItemIndex(list, &item, 2), TQS_ERROR_NOT_FOUND);

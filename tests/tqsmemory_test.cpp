@@ -116,7 +116,22 @@ TEST(TqsMemory, ReAlloc) {
     ASSERT_EQ(live.size(), 1u);
     EXPECT_EQ(live[0].line, 3u);
     EXPECT_EQ(live[0].size, 4u);
-    tqsMemFree_debug(smaller);
+    // Growing reads only what the old block holds; the rest comes zeroed.
+    auto *larger = static_cast<unsigned char *>(tqsMemReAlloc_debug(smaller, 64, kFile, 4));
+    ASSERT_NE(larger, nullptr);
+    EXPECT_EQ(larger[3], 4);
+    EXPECT_EQ(larger[63], 0);
+    tqsMemFree_debug(larger);
+}
+
+TEST(TqsMemory, NullSourcesCopyNothing) {
+    char *empty = tqsStrdup_debug(nullptr, kFile, 1);
+    ASSERT_NE(empty, nullptr);
+    EXPECT_STREQ(empty, "");
+    void *dup = tqsMemDup_debug(nullptr, 4, kFile, 2);
+    EXPECT_NE(dup, nullptr);
+    tqsMemFree_debug(empty);
+    tqsMemFree_debug(dup);
 }
 
 TEST(TqsMemory, Primitives) {

@@ -60,7 +60,11 @@ TqsListNode *Previous(const TqsList *list, const TqsListNode *target) {
     return nullptr;
 }
 
+// Takes `node` out of the chain and frees it. A cursor on it moves to its
+// next node (where a cursor left on the freed node would be read after free,
+// this is also the defined choice).
 void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
+    if (list->ptCur == node) list->ptCur = node->ptNext;
     if (previous != nullptr) {
         previous->ptNext = node->ptNext;
     } else {
@@ -129,7 +133,6 @@ TqsResult tqsListDeleteNodeFindItem(TqsList *list, void *item, TqsListReleaseFn 
         node = node->ptNext;
     }
     if (node == nullptr) return TQS_ERROR_NOT_FOUND;
-    if (list->ptCur == node) list->ptCur = node->ptNext;
     ReleaseItem(node, release);
     Unlink(list, previous, node);
     return TQS_OK;
@@ -139,8 +142,6 @@ TqsResult tqsListDeleteNodeFirst(TqsList *list, TqsListReleaseFn release) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     TqsListNode *head = list->ptHead;
     if (head == nullptr) return TQS_OK;
-    // A cursor left on the freed head would be read after free: move it on.
-    if (list->ptCur == head) list->ptCur = head->ptNext;
     ReleaseItem(head, release);
     Unlink(list, nullptr, head);
     return TQS_OK;
@@ -193,7 +194,6 @@ TqsResult tqsListGetItemFirstAndDeleteNode(TqsList *list, void **out) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     TqsListNode *head = list->ptHead;
     if (head == nullptr) return TQS_OK;
-    if (list->ptCur == head) list->ptCur = head->ptNext;
     *out = head->pItem;
     Unlink(list, nullptr, head);
     return TQS_OK;
@@ -206,7 +206,6 @@ TqsResult tqsListGetItemNextAndDeleteNode(TqsList *list, void **out) {
     if (list->ptHead == nullptr || node == nullptr) return TQS_OK;
     TqsListNode *previous = (node == list->ptHead) ? nullptr : Previous(list, node);
     *out = node->pItem;
-    list->ptCur = node->ptNext;
     Unlink(list, previous, node);
     return TQS_OK;
 }
@@ -229,15 +228,17 @@ TqsResult tqsListGetItemIndexAndDeleteNode(TqsList *list, void **out, uint32_t i
     if (node == nullptr) return TQS_ERROR_NOT_FOUND;
     *out = node->pItem;
     // The previous node is never remembered: the head jumps past the node at
-    // index and the nodes before it drop out of the chain (unfreed).
-    // A cursor left on the freed node would be read after free: move it on.
-    if (list->ptCur == node) list->ptCur = node->ptNext;
+    // index and the nodes before it drop out of the chain (unfreed). The last
+    // dropped node is linked past the freed one, so that a cursor still on a
+    // dropped node walks on into the list instead of into freed memory.
+    if (index > 0) Walk(list, index - 1)->ptNext = node->ptNext;
     Unlink(list, nullptr, node);
     return TQS_OK;
 }
 
 uint32_t tqsListGetCount(const TqsList *list) {
-    return list->nCount;
+    // A null list would be read through null: it counts nothing.
+    return list == nullptr ? 0 : list->nCount;
 }
 
 }  // extern "C"

@@ -1,5 +1,6 @@
 #include "tqsmemory.h"
 
+#include <malloc.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -57,23 +58,33 @@ TqsWChar *tqsMemAllocW_debug(uint32_t count, const char *file, uint32_t line) {
 
 void *tqsMemDup_debug(const void *src, uint32_t size, const char *file, uint32_t line) {
     void *block = malloc(size);
-    // Failed allocation: nothing to copy into (the copy would write through null).
-    if (block != nullptr) memcpy(block, src, size);
+    // Nothing to copy into after a failed allocation, nothing to copy from a null source.
+    if (block != nullptr && src != nullptr) memcpy(block, src, size);
     return Record(block, size, file, line);
 }
 
 char *tqsStrdup_debug(const char *text, const char *file, uint32_t line) {
     uint32_t length = tqsStrlen(text);
     char *block = static_cast<char *>(malloc(uint64_t{length} + 1));
-    // Failed allocation: nothing to copy into.
-    if (block != nullptr) memcpy(block, text, uint64_t{length} + 1);
+    // Nothing to copy into after a failed allocation; a null text copies as the empty text.
+    if (block != nullptr) {
+        if (text != nullptr) memcpy(block, text, length);
+        block[length] = '\0';
+    }
     return static_cast<char *>(Record(block, length, file, line));
 }
 
 void *tqsMemReAlloc_debug(void *old, uint32_t size, const char *file, uint32_t line) {
     if (size == 0 || old == nullptr) return nullptr;
     void *block = malloc(size);
-    if (block != nullptr) memcpy(block, old, size);
+    if (block != nullptr) {
+        // Copying size bytes would read past a smaller old block: copy what it
+        // holds and zero the rest.
+        size_t held = malloc_usable_size(old);
+        size_t copied = held < size ? held : size;
+        memcpy(block, old, copied);
+        memset(static_cast<unsigned char *>(block) + copied, 0, size - copied);
+    }
     Record(block, size, file, line);
     tqsMemFree_debug(old);
     return block;

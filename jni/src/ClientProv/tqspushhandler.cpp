@@ -91,33 +91,27 @@ uint64_t ReadContentType(const Pdu &pdu, uint64_t *index) {
     return ContentTypeByToken(b);
 }
 
-// SEC as 0x91 or "SEC" and its zero, then the value byte; absent when the
-// value byte lies beyond the PDU.
+// A parameter written as its token byte, or as its three-letter name (any
+// case) and a zero: the position after the marker, or 0 when there is none.
+uint64_t Parameter(const Pdu &pdu, uint64_t index, unsigned char token, const char *name) {
+    if (pdu.At(index) == token) return index + 1;
+    if (pdu.Keyword(index, name)) return index + 3 + 1;
+    return 0;
+}
+
+// SEC, then the value byte; absent when the value byte lies beyond the PDU.
 void ReadSec(const Pdu &pdu, uint64_t *index, SmlPushHeader *header) {
-    uint64_t value;
-    if (pdu.At(*index) == kSecToken) {
-        value = *index + 1;
-    } else if (pdu.Keyword(*index, "SEC")) {
-        value = *index + 3 + 1;
-    } else {
-        return;
-    }
-    if (!pdu.Has(value)) return;
+    uint64_t value = Parameter(pdu, *index, kSecToken, "SEC");
+    if (value == 0 || !pdu.Has(value)) return;
     header->nSEC = pdu.bytes[value];
     *index = value + 1;
 }
 
-// MAC as 0x92 or "MAC" and its zero, then a zero-terminated text; cut to 47
-// characters, ended by the PDU's end when it has no zero.
+// MAC, then a zero-terminated text; cut to 47 characters, ended by the PDU's
+// end when it has no zero.
 void ReadMac(const Pdu &pdu, uint64_t *index, SmlPushHeader *header) {
-    uint64_t text;
-    if (pdu.At(*index) == kMacToken) {
-        text = *index + 1;
-    } else if (pdu.Keyword(*index, "MAC")) {
-        text = *index + 3 + 1;
-    } else {
-        return;
-    }
+    uint64_t text = Parameter(pdu, *index, kMacToken, "MAC");
+    if (text == 0) return;
     bool terminated = false;
     uint64_t length = pdu.TextLength(text, SML_PUSH_MAC_SIZE - 1, &terminated);
     header->nMACLen = length;
