@@ -19,7 +19,10 @@ extern "C" {
 #endif
 
 struct TqsList;
+struct TqsListNode;
 struct SmlBuffer;
+
+#define TQS_WBXML_TAIL_CACHE 8
 
 /* ---- Document tree ------------------------------------------------------ */
 
@@ -239,9 +242,16 @@ typedef struct tqsWbxmlDecoder {
     intptr_t bHasAttribute;      /* last tag read had bit 0x80 */
     uint32_t nStrSize;           /* string-table length (0xFFFFFFFF after a failed read) */
     uint8_t nCodePage;           /* 0 or 1 */
-    unsigned char *pStringTable; /* owned, nStrSize + 2 bytes, zero-terminated */
+    unsigned char *pStringTable; /* owned, zero-terminated */
     struct SmlBuffer *ptBuffer;  /* owned copy of the body */
-    uint32_t nDepth;             /* characteristic nesting now being decoded (bounded) */
+    /* Private to the decoder. */
+    uint32_t nStrTableBytes; /* size of the pStringTable block */
+    uint32_t nDepth;         /* characteristic nesting now being decoded (bounded) */
+    /* Last nodes of recently extended lists, so appends stay O(1). */
+    struct TqsList *aptTailList[TQS_WBXML_TAIL_CACHE];
+    struct TqsListNode *aptTailNode[TQS_WBXML_TAIL_CACHE];
+    uint32_t anTailCount[TQS_WBXML_TAIL_CACHE];
+    uint32_t nTailNext;
 } tqsWbxmlDecoder;
 
 /* ---- Creation and release ----------------------------------------------- */
