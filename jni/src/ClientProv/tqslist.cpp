@@ -52,6 +52,18 @@ TqsListNode *Walk(const TqsList *list, uint32_t index) {
     return node;
 }
 
+// The node at index and its item for the index operations; out is null on
+// every failure.
+TqsResult NodeAt(TqsList *list, void **out, uint32_t index, TqsListNode **node) {
+    *out = nullptr;
+    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
+    *node = Walk(list, index);
+    if (*node == nullptr) return TQS_ERROR_NOT_FOUND;
+    *out = (*node)->pItem;
+    return TQS_OK;
+}
+
 // Node before `target` (null when target is the head or not in the list).
 TqsListNode *Previous(const TqsList *list, const TqsListNode *target) {
     for (TqsListNode *node = list->ptHead; node != nullptr; node = node->ptNext) {
@@ -211,22 +223,14 @@ TqsResult tqsListGetItemNextAndDeleteNode(TqsList *list, void **out) {
 }
 
 TqsResult tqsListGetItemIndex(TqsList *list, void **out, uint32_t index) {
-    *out = nullptr;
-    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
-    if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
-    TqsListNode *node = Walk(list, index);
-    if (node == nullptr) return TQS_ERROR_NOT_FOUND;
-    *out = node->pItem;
-    return TQS_OK;
+    TqsListNode *node = nullptr;
+    return NodeAt(list, out, index, &node);
 }
 
 TqsResult tqsListGetItemIndexAndDeleteNode(TqsList *list, void **out, uint32_t index) {
-    *out = nullptr;
-    if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
-    if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
-    TqsListNode *node = Walk(list, index);
-    if (node == nullptr) return TQS_ERROR_NOT_FOUND;
-    *out = node->pItem;
+    TqsListNode *node = nullptr;
+    TqsResult result = NodeAt(list, out, index, &node);
+    if (result != TQS_OK) return result;
     // The previous node is never remembered: the head jumps past the node at
     // index and the nodes before it drop out of the chain (unfreed). The last
     // dropped node is linked past the freed one, so that a cursor still on a
