@@ -69,6 +69,32 @@ void fillWithStubs(Table *table, bool vm, std::index_sequence<I...>) {
 constexpr std::size_t kEnvSlots = sizeof(JNINativeInterface_) / sizeof(void *);
 constexpr std::size_t kVmSlots = sizeof(JNIInvokeInterface_) / sizeof(void *);
 
+// Byte patterns Android's checked JNI accepts in NewStringUTF: sequences of
+// one to four bytes, lead byte then continuation bytes; no stray
+// continuation byte, no 0xF8..0xFF, nothing cut off by the end.
+bool isModifiedUtf8(const char *text) {
+    const auto *s = reinterpret_cast<const unsigned char *>(text);
+    while (*s != 0) {
+        const unsigned char lead = *s++;
+        int more;
+        if (lead < 0x80) {
+            more = 0;
+        } else if (lead < 0xC0 || lead >= 0xF8) {
+            return false;
+        } else if (lead < 0xE0) {
+            more = 1;
+        } else if (lead < 0xF0) {
+            more = 2;
+        } else {
+            more = 3;
+        }
+        for (; more > 0; --more, ++s) {
+            if ((*s & 0xC0) != 0x80) return false;
+        }
+    }
+    return true;
+}
+
 bool isKnownVersion(jint version) {
     static const jint kVersions[] = {0x00010001, 0x00010002, 0x00010004, 0x00010006, 0x00010008,
                                      0x00090000, 0x000a0000, 0x00130000, 0x00140000, 0x00150000};
@@ -95,6 +121,7 @@ struct FakeJvm::State {
     Tables tables;
 
     jint supportedVersion = JNI_VERSION_1_6;
+    bool strictUtf8 = false;
     std::set<std::string> hidden;
     std::set<std::string> failing;
     std::map<std::string, std::set<std::pair<std::string, std::string>>> declared;
@@ -243,6 +270,7 @@ jstring JNICALL envNewStringUTF(JNIEnv *env, const char *utf) {
     // Android's checked JNI aborts on a null text, so the library must test
     // for null itself.
     if (utf == nullptr) fatal("NewStringUTF with a null text");
+    if (s->strictUtf8 && !isModifiedUtf8(utf)) fatal("NewStringUTF: text is not modified UTF-8");
     Object *o = s->make(Kind::kString);
     o->text = utf;
     return reinterpret_cast<jstring>(o);
@@ -324,6 +352,9 @@ JNIEnv *FakeJvm::env() {
 
 void FakeJvm::setSupportedVersion(jint version) {
     state_->supportedVersion = version;
+}
+void FakeJvm::setStrictUtf8(bool strict) {
+    state_->strictUtf8 = strict;
 }
 void FakeJvm::hideClass(const std::string &className) {
     state_->hidden.insert(className);

@@ -57,6 +57,10 @@ class FakeJvm {
     void hideClass(const std::string &className);
     // RegisterNatives on this class returns -1.
     void failRegistration(const std::string &className);
+    // With strict UTF-8 on, NewStringUTF aborts on bytes that are not modified
+    // UTF-8, as Android's checked JNI does (off by default: texts are kept as
+    // the bytes given).
+    void setStrictUtf8(bool strict);
     // Declares the native methods (name, signature) of a Java class: once a
     // class has declarations, RegisterNatives on it fails (-1, pending
     // NoSuchMethodError) for any entry not declared, as a real VM does.
