@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 seconds=${FUZZ_SECONDS:-60}
 
 cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz -j"$(nproc)"
+cmake --build --preset fuzz -j"$(nproc)" --target fuzz_all
 
 bin=build/fuzz/fuzz
 artifacts=build/fuzz/artifacts
