@@ -1,6 +1,7 @@
 #include "textout.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace cpdump {
 namespace {
@@ -39,24 +40,53 @@ void AppendHexByte(std::string *out, const char *prefix, unsigned char c) {
     *out += buf;
 }
 
-// Walks the bytes, copying valid UTF-8 and handing every other byte to `raw`;
-// `ascii` decides about each ASCII character (true: it has been written).
-template <typename Ascii>
-std::string Escape(std::string_view bytes, const char *raw_prefix, Ascii ascii) {
+struct Dialect {
+    const char *raw_prefix;      // before the two hex digits of a byte that is not UTF-8
+    const char *control_prefix;  // the same for control characters without a named escape
+    std::pair<char, const char *> named[7];
+};
+
+// XML 1.0 has no way to carry most control characters: they take the raw form.
+constexpr Dialect kJson{
+    "\\\\x", "\\u00", {{'"', "\\\""}, {'\\', "\\\\"}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}}};
+constexpr Dialect kXml{"\\x",
+                       "\\x",
+                       {{'&', "&amp;"},
+                        {'<', "&lt;"},
+                        {'>', "&gt;"},
+                        {'"', "&quot;"},
+                        {'\n', "&#10;"},
+                        {'\r', "&#13;"},
+                        {'\t', "&#9;"}}};
+
+// Copies valid UTF-8 and writes every other byte in the dialect's raw form.
+std::string Escape(std::string_view bytes, const Dialect &d) {
     std::string out;
     out.reserve(bytes.size() + 8);
     for (std::size_t i = 0; i < bytes.size();) {
         const auto c = static_cast<unsigned char>(bytes[i]);
         const std::size_t n = Utf8Length(bytes, i);
         if (n == 0) {
-            AppendHexByte(&out, raw_prefix, c);
+            AppendHexByte(&out, d.raw_prefix, c);
             i += 1;
-        } else if (n == 1) {
-            if (!ascii(&out, c)) out += static_cast<char>(c);
-            i += 1;
-        } else {
+            continue;
+        }
+        if (n > 1) {
             out.append(bytes.substr(i, n));
             i += n;
+            continue;
+        }
+        i += 1;
+        const char *named = nullptr;
+        for (const auto &[ch, text] : d.named) {
+            if (text != nullptr && static_cast<unsigned char>(ch) == c) named = text;
+        }
+        if (named != nullptr) {
+            out += named;
+        } else if (c < 0x20 || c == 0x7F) {
+            AppendHexByte(&out, d.control_prefix, c);
+        } else {
+            out += static_cast<char>(c);
         }
     }
     return out;
@@ -65,68 +95,11 @@ std::string Escape(std::string_view bytes, const char *raw_prefix, Ascii ascii) 
 }  // namespace
 
 std::string EscapeJson(std::string_view bytes) {
-    return Escape(bytes, "\\\\x", [](std::string *out, unsigned char c) {
-        switch (c) {
-            case '"':
-                *out += "\\\"";
-                return true;
-            case '\\':
-                *out += "\\\\";
-                return true;
-            case '\n':
-                *out += "\\n";
-                return true;
-            case '\r':
-                *out += "\\r";
-                return true;
-            case '\t':
-                *out += "\\t";
-                return true;
-            default:
-                break;
-        }
-        if (c < 0x20 || c == 0x7F) {
-            AppendHexByte(out, "\\u00", c);
-            return true;
-        }
-        return false;
-    });
+    return Escape(bytes, kJson);
 }
 
 std::string EscapeXml(std::string_view bytes) {
-    return Escape(bytes, "\\x", [](std::string *out, unsigned char c) {
-        switch (c) {
-            case '&':
-                *out += "&amp;";
-                return true;
-            case '<':
-                *out += "&lt;";
-                return true;
-            case '>':
-                *out += "&gt;";
-                return true;
-            case '"':
-                *out += "&quot;";
-                return true;
-            case '\n':
-                *out += "&#10;";
-                return true;
-            case '\r':
-                *out += "&#13;";
-                return true;
-            case '\t':
-                *out += "&#9;";
-                return true;
-            default:
-                break;
-        }
-        // XML 1.0 has no way to carry the other control characters.
-        if (c < 0x20 || c == 0x7F) {
-            AppendHexByte(out, "\\x", c);
-            return true;
-        }
-        return false;
-    });
+    return Escape(bytes, kXml);
 }
 
 void JsonWriter::Indent() {
