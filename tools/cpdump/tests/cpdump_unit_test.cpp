@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "input.h"
 #include "records.h"
 #include "sample.h"
 #include "textout.h"
+#include "tqslist.h"
 #include "tokens.h"
 #include "verdict.h"
 
@@ -274,6 +276,91 @@ TEST(ContextJson, ApplicationChildrenAndAuthenticationLevel) {
                         "                \"PORTNBR\": \"8080\""),
               std::string::npos)
         << json;
+}
+
+// A TqsList over nodes that live in the test.
+struct StackList {
+    std::vector<TqsListNode> nodes;
+    TqsList list{};
+
+    explicit StackList(std::vector<void *> items) : nodes(items.size()) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            nodes[i].pItem = items[i];
+            nodes[i].ptNext = i + 1 < items.size() ? &nodes[i + 1] : nullptr;
+        }
+        list.nCount = static_cast<uint32_t>(items.size());
+        list.ptHead = nodes.empty() ? nullptr : &nodes[0];
+    }
+};
+
+TEST(TreeXml, NestedCharacteristicsInDocumentOrder) {
+    StackList services({S("\xCB"), S("9201")});
+    tqsWapPort port{S("80"), &services.list};
+    tqsWapCharacter port_char{};
+    port_char.ptPort = &port;
+    StackList phys_children({&port_char});
+    StackList to_napid({S("NAP<1>")});
+    tqsWapPxPhysical phys{};
+    phys.pszPxAddr = S("10.0.0.1");
+    phys.pszPxAddrType = S("IPV4");
+    phys.ptToNapIdList = &to_napid.list;
+    phys.ptCharacterList = &phys_children.list;
+    tqsWapCharacter phys_char{};
+    phys_char.ptPxPhysical = &phys;
+    StackList px_children({&phys_char});
+    tqsWapPxLogical px{};
+    px.pszProxyId = S("proxy & co");
+    px.ptCharacterList = &px_children.list;
+    tqsWapCharacter px_char{};
+    px_char.ptPxLogical = &px;
+
+    tqsWapVendorConfig vendor{S("acme"), S("VENDOR-PARAM"), S("on")};
+    tqsWapCharacter vendor_char{};
+    vendor_char.ptVendorConfig = &vendor;
+    tqsWapRoaming roaming{S("1"), nullptr};
+    tqsWapCharacter roaming_char{};
+    roaming_char.ptRoaming = &roaming;
+    tqsWapCharacter empty_char{};
+
+    StackList top({&px_char, &vendor_char, &roaming_char, &empty_char});
+    tqsWapDoc doc{&top.list};
+    std::string xml;
+    WriteTreeXml(&xml, &doc);
+    EXPECT_EQ(xml,
+              "<wap-provisioningdoc>\n"
+              "  <characteristic type=\"PXLOGICAL\">\n"
+              "    <parm name=\"PROXY-ID\" value=\"proxy &amp; co\"/>\n"
+              "    <characteristic type=\"PXPHYSICAL\">\n"
+              "      <parm name=\"PXADDR\" value=\"10.0.0.1\"/>\n"
+              "      <parm name=\"PXADDRTYPE\" value=\"IPV4\"/>\n"
+              "      <parm name=\"TO-NAPID\" value=\"NAP&lt;1&gt;\"/>\n"
+              "      <characteristic type=\"PORT\">\n"
+              "        <parm name=\"PORTNBR\" value=\"80\"/>\n"
+              "        <parm name=\"SERVICE\" value=\"CO-WSP\"/>\n"
+              "        <parm name=\"SERVICE\" value=\"9201\"/>\n"
+              "      </characteristic>\n"
+              "    </characteristic>\n"
+              "  </characteristic>\n"
+              "  <characteristic type=\"VENDORCONFIG\">\n"
+              "    <parm name=\"NAME\" value=\"acme\"/>\n"
+              "    <parm name=\"VENDOR-PARAM\" value=\"on\"/>\n"
+              "  </characteristic>\n"
+              "  <characteristic type=\"ROAMING\">\n"
+              "    <parm name=\"SYNC-ALLOWED\" value=\"1\"/>\n"
+              "  </characteristic>\n"
+              "  <characteristic/>\n"
+              "</wap-provisioningdoc>\n");
+}
+
+TEST(TreeXml, EmptyDocument) {
+    std::string xml;
+    WriteTreeXml(&xml, nullptr);
+    EXPECT_EQ(xml, "<wap-provisioningdoc/>\n");
+    StackList none({});
+    tqsWapDoc doc{&none.list};
+    xml.clear();
+    WriteTreeXml(&xml, &doc);
+    EXPECT_EQ(xml, "<wap-provisioningdoc/>\n");
 }
 
 TEST(HeaderRejection, SaysWhyInWords) {
