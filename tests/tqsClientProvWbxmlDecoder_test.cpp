@@ -471,7 +471,7 @@ TEST_F(Decoder, CommaAdd) {
         {{0x90, 0x85, 0x01}, "A", 0, "AIPV4"},                       // address types join without one
         {{0x90, 0x00, 0x01, 0x93, 0x01}, "HTTP", 0, "HTTP,DIGEST"},  // a page switch first
         {{0x90, 0x77, 0x01}, "A", 0, "A"},                           // unknown byte: unchanged, skipped
-        {{0x90, 0x03, 'B', 0, 0x01}, nullptr, 0, ",B"},                    // no first value
+        {{0x90, 0x03, 'B', 0, 0x01}, nullptr, 0, ",B"},              // no first value
         {{0x90}, "A", 0x1007, "A"},
     };
     for (const auto &c : cases) {
@@ -872,6 +872,30 @@ TEST_F(Decoder, HandlerQuirks) {
         .Bytes({0x05, 0x45, 0x01, 0x01});
     noName.End().End();
     EXPECT_EQ(Tree(noName, 1), "");
+}
+
+TEST_F(Decoder, NameStringFailurePaths) {
+    // VENDORCONFIG: a name read that fails, a cut after the name, a value read
+    // that fails; whatever was read stays with the record.
+    for (const Bytes &tail :
+         {Bytes{0x05, 0x83}, Bytes{0x05, 0x03, 'n', 0}, Bytes{0x05, 0x03, 'n', 0, 0x06, 0x83}}) {
+        wbxml::Builder b;
+        b.Doc().Characteristic(prov::kVendorConfig).Tag(prov::kTagParm, false, true);
+        for (uint8_t byte : tail) b.Byte(byte);
+        tqsWapDoc *doc = nullptr;
+        EXPECT_EQ(Decode(b.Build(), &doc), 0x1007u);
+    }
+    // WI-FI and ROAMING handlers take no record check: without one, a listed
+    // name is treated like an unlisted one and its value token is refused.
+    Open({0x87, 0x05, 0x03, 'N', 'E', 'T', 'S', 'S', 'I', 'D', 0, 0x06, 0x03, 'x', 0, 0x01});
+    EXPECT_EQ(tqsClientProvWbxmlDecoderParamWifi(dec_, nullptr), 0x1005u);
+    Open({0x87, 0x05, 0x03, 'S', 'Y', 'N',  'C',  '-', 'A', 'L', 'L',
+          'O',  'W',  'E',  'D', 0,   0x06, 0x03, '1', 0,   0x01});
+    EXPECT_EQ(tqsClientProvWbxmlDecoderParamRoaming(dec_, nullptr), 0x1005u);
+    // The other handlers refuse a missing record.
+    Open({0x87, 0x07, 0x01});
+    EXPECT_EQ(tqsClientProvWbxmlDecoderParamPort(dec_, nullptr), 2u);
+    EXPECT_EQ(Consumed(), 0u);
 }
 
 TEST_F(Decoder, ListParmsAndLenientDomain) {

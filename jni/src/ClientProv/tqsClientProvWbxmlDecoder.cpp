@@ -910,6 +910,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlBody(tqsWbxmlDecoder *ptDecod
     tqcTrace("tqsClientProvWbxmlDecoderWbxmlBody");
     if (ptDecoder->ptBuffer == nullptr) return TQS_ERROR_WBXML_NO_BUFFER;
     ptDecoder->nDepth = 0;
+    memset(ptDecoder->aptTailList, 0, sizeof ptDecoder->aptTailList);
     tqsWapDoc *ptWapDoc =
         static_cast<tqsWapDoc *>(tqsMemAllocSetZero_debug(sizeof(tqsWapDoc) + 1, kUnitPath, __LINE__));
     if (ptWapDoc == nullptr) {
