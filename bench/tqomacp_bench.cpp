@@ -20,6 +20,7 @@
 #include "alloc_count.h"
 #include "fixtures.h"
 #include "getters.h"
+#include "minimal_jni.h"
 #include "peer.h"
 
 #include "tqsClientProvCtx.h"
