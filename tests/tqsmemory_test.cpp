@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,23 @@ TEST(TqsMemory, TrackingOffRecordsNothingAndPrintsNothing) {
     tqsMemEndMemCheck();  // not on: no report
     EXPECT_EQ(GetCapturedStdout(), "");
     EXPECT_EQ(ptMemCheckTable, nullptr);
+}
+
+// Blocks come back from malloc's cache dirty: the zero fill must be done here.
+TEST(TqsMemory, SetZeroClearsReusedBlocks) {
+    for (uint32_t size : {1u, 24u, 57u, 200u, 1531u}) {
+        for (int round = 0; round < 20; ++round) {
+            auto *dirty = static_cast<unsigned char *>(tqsMemAlloc_debug(size, kFile, 2));
+            ASSERT_NE(dirty, nullptr);
+            memset(dirty, 0xA5, size);
+            tqsMemFree_debug(dirty);
+            auto *block = static_cast<unsigned char *>(tqsMemAllocSetZero_debug(size, kFile, 3));
+            ASSERT_NE(block, nullptr);
+            EXPECT_EQ(std::vector<unsigned char>(block, block + size), std::vector<unsigned char>(size, 0))
+                << "size " << size;
+            tqsMemFree_debug(block);
+        }
+    }
 }
 
 TEST(TqsMemory, SizesEnteredInTheTable) {

@@ -196,6 +196,20 @@ TEST(TqcTrace, WithoutSinkNothingIsFormattedOrAllocated) {
     for (void *block : fill) tqsMemFree_debug(block);
 }
 
+// tqcTrace is skipped at the call site while nobody listens.
+TEST(TqcTrace, WithoutSinkTraceArgumentsAreNotEvaluated) {
+    int evaluated = 0;
+    auto argument = [&evaluated] { return ++evaluated; };
+    tqcTraceSetSink(nullptr);
+    tqcTrace("%d", argument());
+    EXPECT_EQ(evaluated, 0);
+    TraceCapture trace;
+    tqcTrace("%d", argument());
+    (tqcTrace)("direct %d", argument());
+    EXPECT_EQ(evaluated, 2);
+    EXPECT_EQ(trace.lines(), (Lines{"1\n", "direct 2\n"}));
+}
+
 TEST(TqcTrace, WriteWithoutSinkDropsTheLine) {
     tqcTraceSetSink(nullptr);
     testing::internal::CaptureStdout();

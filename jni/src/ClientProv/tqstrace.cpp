@@ -20,15 +20,15 @@ static const uint32_t kErrorLineSize = 50;
 static const uint32_t kDumpBytesPerLine = 16;
 
 char _szBuffer[TQC_DUMP_BUFFER_SIZE];
+TqcTraceSink ptTqcTraceSink = nullptr;
 
 namespace {
 
 char g_traceBuffer[TQC_TRACE_BUFFER_SIZE];  // szTraceBuffer
-TqcTraceSink g_sink = nullptr;
 
 // The one branch every formatter takes first: with no sink nothing is formatted.
 inline bool Off() {
-    return __builtin_expect(g_sink == nullptr, 1);
+    return __builtin_expect(ptTqcTraceSink == nullptr, 1);
 }
 
 // Appends the pieces into `out`; returns the end (a zero is written there).
@@ -60,15 +60,15 @@ void Format(char *out, uint32_t size, const char *format, ...) {
 extern "C" {
 
 void tqcTraceSetSink(TqcTraceSink sink) {
-    g_sink = sink;
+    ptTqcTraceSink = sink;
 }
 
 void tqcTraceWrite(const char *line) {
     // The library's own output drops the line; a host sink receives it.
-    if (g_sink != nullptr) g_sink(line);
+    if (ptTqcTraceSink != nullptr) ptTqcTraceSink(line);
 }
 
-void tqcTrace(const char *format, ...) {
+void(tqcTrace)(const char *format, ...) {
     if (Off()) return;
     va_list args;
     va_start(args, format);
