@@ -1761,3 +1761,34 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamVendorNameString(tqsWbxmlDeco
     }
     return nRet;
 }
+
+// ---- whole decode -------------------------------------------------------------
+
+extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength) {
+    tqcTrace("tqsClinetProvWbxmlDecoderMain");
+    tqsWbxmlDecoder *ptDecoder = nullptr;
+    tqsWapDoc *ptWapDoc = nullptr;
+    tqsClientProvCtx *ptCtx = nullptr;
+    TqsResult nRet = tqsClientProvWbxmlInitDecoder(&ptDecoder, pBody, nLength);
+    if (nRet != TQS_OK) {
+        tqcTrace("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvWbxmlInitDecoder[0x%x]\n", nRet);
+    } else if ((nRet = tqsClientProvWbxmlDecoder(ptDecoder, &ptWapDoc)) != TQS_OK) {
+        tqcTrace("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvWbxmlDecoder[0x%x]\n", nRet);
+    } else if ((nRet = tqsClientProvWbxmlDeleteDecoder(ptDecoder)) != TQS_OK) {
+        tqcTrace("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvWbxmlDeleteDecoder[0x%x]\n", nRet);
+    } else {
+        ptDecoder = nullptr;
+        ptCtx = tqsClientProvCtxMakeContext(ptWapDoc);
+        if (ptCtx != nullptr) {
+            tqcTrace("Success");
+            tqsClientProvWbxmlDeleteWapDoc(ptWapDoc);
+            return ptCtx;
+        }
+        tqcTrace("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvCtxMakeContext[0x%x]\n", nRet);
+    }
+    // Failure: release whatever exists; the context is always null here.
+    tqsClientProvWbxmlDeleteWapDoc(ptWapDoc);
+    tqsClientProvWbxmlDeleteDecoder(ptDecoder);
+    tqsClientProvCtxDelectContext(ptCtx);
+    return nullptr;
+}

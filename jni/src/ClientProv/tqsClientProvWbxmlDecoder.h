@@ -122,4 +122,23 @@ TqsResult tqsClientProvWbxmlDecoderParamVendorNameString(tqsWbxmlDecoder *ptDeco
 }
 #endif
 
+/* ---- Whole decode ------------------------------------------------------- */
+
+#include "tqsClientProvCtx.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/*
+ * Decodes a provisioning body (nLength bytes) into its document tree, converts
+ * the tree into a provisioning context and releases the tree. Returns the
+ * context, or null when any step fails (everything of its own is released).
+ */
+tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
+
+#ifdef __cplusplus
+}
+#endif
+
 #endif /* TQS_CLIENT_PROV_WBXML_DECODER_H */
