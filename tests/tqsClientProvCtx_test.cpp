@@ -149,6 +149,15 @@ size_t ChainLength(const T *rec) {
 
 // ---- documents through the whole decoder ------------------------------------------
 
+tqsClientProvCtx *Decode(const std::vector<uint8_t> &body) {
+    return tqsClinetProvWbxmlDecoderMain(body.data(), static_cast<uint32_t>(body.size()));
+}
+
+tqsClientProvCtx *DecodeSample(const std::string &path) {
+    std::vector<unsigned char> body = corpus::Read(path);
+    return tqsClinetProvWbxmlDecoderMain(body.data(), static_cast<uint32_t>(body.size()));
+}
+
 // ==== construction ===================================================================
 
 TEST_F(CtxTest, NullDocumentAndNullListAreRefusedWithErrorTwo) {
@@ -581,12 +590,115 @@ TEST_F(CtxTest, ReleasingNullTracesErrorTwoAndNothingElse) {
     EXPECT_EQ(trace.lines().size(), 2u) << trace.Joined();
 }
 
-// Blocks of the context unit still live after release, as (field description).
+// Blocks of the context unit still live.
 std::vector<Block> ContextBlocks() {
     std::vector<Block> out;
     for (const Block &b : LiveBlocks())
         if (b.file == kCtxUnit) out.push_back(b);
     return out;
+}
+
+// Every characteristic kind with strings, lists and children, plus the
+// content that release keeps (WI-FI, ROAMING, XCAP, FROM, INIT).
+std::vector<uint8_t> RichDocument() {
+    Builder b;
+    b.Doc();
+    b.Characteristic(prov::kPxLogical).Parm(prov::kProxyId, "PX1").Parm(prov::kName, "Proxy");
+    b.Parm(prov::kDomain, "a.invalid").Parm(prov::kDomain, "b.invalid");
+    b.Characteristic(prov::kPxAuthInfo).Parm(prov::kPxAuthType, "T").Parm(prov::kPxAuthId, "id").End();
+    b.Characteristic(prov::kPxPhysical).Parm(prov::kPhysicalProxyId, "PP").Parm(prov::kPxAddr, "10.0.0.1");
+    b.Parm(prov::kToNapId, "NAP1").Parm(prov::kDomain, "c.invalid");
+    b.Characteristic(prov::kPort)
+        .Parm(prov::kPortNbr, "9201")
+        .Parm(prov::kService, "s1")
+        .Parm(prov::kService, "s2");
+    b.End().End();
+    b.Characteristic(prov::kPort).Parm(prov::kPortNbr, "80").End();
+    b.End();
+    b.Characteristic(prov::kNapDef).Parm(prov::kNapId, "NAP1").Parm(prov::kName, "Nap");
+    b.Parm(prov::kBearer, "B").Parm(prov::kDnsAddr, "10.0.0.2").NamedParm("INIT");
+    b.Characteristic(prov::kNapAuthInfo).Parm(prov::kAuthName, "u").Parm(prov::kAuthEntity, "e").End();
+    b.Characteristic(prov::kValidity).Parm(prov::kCountry, "228").Parm(prov::kNetwork, "01").End();
+    b.End();
+    b.Characteristic(prov::kBootstrap).Parm(prov::kName, "Boot").Parm(prov::kProvUrl, "http://p.invalid");
+    b.Parm(prov::kProxyId, "PX1").Parm(prov::kNetwork, "n1").End();
+    b.Characteristic(prov::kClientIdentity).Parm(prov::kClientId, "client").End();
+    b.Characteristic(prov::kVendorConfig).Parm(prov::kName, "Vendor").End();
+    b.Characteristic(prov::kApplication).Parm(prov::kAppId, "w5").Parm(prov::kName, "App");
+    b.Parm(prov::kToProxy, "PX1").Parm(prov::kToNapId, "NAP1").Parm(prov::kAddr, "http://a.invalid");
+    b.NamedParm("FROM", "me@x").NamedParm("XCAP_AUID_DCS", "dcs").NamedParm("XCAP_TID_HEADER", "tid");
+    b.Characteristic(prov::kAppAddr).Parm(prov::kAddr, "host").Characteristic(prov::kPort);
+    b.Parm(prov::kPortNbr, "443").Parm(prov::kService, "s").End().End();
+    b.Characteristic(prov::kAppAuth).Parm(prov::kAAuthName, "user").End();
+    b.Characteristic(prov::kResource).Parm(prov::kUri, "/r").Parm(prov::kName, "Res").End();
+    b.Characteristic("ROAMING").NamedParm("SYNC-ALLOWED", "1").End();
+    b.End();
+    b.Characteristic(prov::kApplication).Parm(prov::kAppId, "w2");
+    b.Characteristic("ROAMING").NamedParm("SYNC-DEFAULT", "0").End();
+    b.End();
+    b.Characteristic(prov::kAccess)
+        .Parm(prov::kRule, "r")
+        .Parm(prov::kAppId, "w2")
+        .Parm(prov::kPortNbr, "8080");
+    b.Parm(prov::kDomain, "d").Parm(prov::kToNapId, "NAP1").Parm(prov::kToProxy, "PX1").End();
+    b.Characteristic("WI-FI").NamedParm("NETSSID", "net").NamedParm("PRIORITY", "1").End();
+    b.End();
+    return b.Build();
+}
+
+// Release frees every block of the context except the ones it keeps on
+// purpose; checked block by block against their addresses.
+TEST_F(CtxTest, ReleaseLeavesExactlyWifiRoamingXcapInitAndTheFirstFrom) {
+    tqsClientProvCtx *ctx = Decode(RichDocument());
+    ASSERT_NE(ctx, nullptr);
+    ASSERT_NE(ctx->ptPxLogical, nullptr);
+    ASSERT_NE(ctx->ptPxLogical->ptPxPhysical, nullptr);
+    ASSERT_NE(ctx->ptPxLogical->ptPxPhysical->ptPort, nullptr);
+    EXPECT_EQ(Strings(ctx->ptPxLogical->ptPxPhysical->ptPort->ptService),
+              (std::vector<std::string>{"s1", "s2"}));
+    ASSERT_NE(ctx->ptClientIdent, nullptr);
+    ASSERT_NE(ctx->ptAccess, nullptr);
+    ASSERT_NE(ctx->ptNapDef, nullptr);
+    ASSERT_STREQ(ctx->ptNapDef->pszInit, "empty");
+    ASSERT_EQ(ChainLength(ctx->ptApplication), 2u);
+    const tqsCtxApplication *app1 = ctx->ptApplication;
+    const tqsCtxApplication *app2 = app1->ptNext;
+    ASSERT_NE(app1->ptRoaming, nullptr);
+    ASSERT_NE(app2->ptRoaming, nullptr);
+    ASSERT_STREQ(app1->pszXcapAuidDcs, "dcs");
+    ASSERT_STREQ(app1->pszXcapTidHeader, "tid");
+    ASSERT_STREQ(app1->pszFrom, "me@x");
+    ASSERT_NE(ctx->ptWifi, nullptr);
+    const std::map<void *, std::string> kept = {
+        {ctx->ptWifi, "WI-FI record"},
+        {ctx->ptWifi->pszNetSsid, "NETSSID"},
+        {ctx->ptWifi->pszPriority, "PRIORITY"},
+        {app1->ptRoaming, "ROAMING record 1"},
+        {app1->ptRoaming->pszSyncAllowed, "SYNC-ALLOWED"},
+        {app2->ptRoaming, "ROAMING record 2"},
+        {app2->ptRoaming->pszSyncDefault, "SYNC-DEFAULT"},
+        {app1->pszXcapAuidDcs, "XCAP_AUID_DCS"},
+        {app1->pszXcapTidHeader, "XCAP_TID_HEADER"},
+        {ctx->ptNapDef->pszInit, "INIT"},
+    };
+    void *lastFrom = app1->pszFrom;
+    tqsClientProvCtxDelectContext(ctx);
+    std::map<void *, std::string> left;
+    for (const Block &blk : ContextBlocks()) {
+        auto it = kept.find(blk.address);
+        if (it != kept.end()) {
+            left[blk.address] = it->second;
+        } else if (blk.address != lastFrom && std::strcmp(static_cast<char *>(blk.address), "me@x") == 0) {
+            left[blk.address] = "first FROM copy";  // replaced by the second copy, never released
+        } else {
+            left[blk.address] = "unexpected block of size " + std::to_string(blk.size);
+        }
+    }
+    std::map<void *, std::string> expected = kept;
+    for (const auto &[address, what] : left)
+        if (what == "first FROM copy") expected[address] = what;
+    EXPECT_EQ(left, expected);
+    EXPECT_EQ(left.size(), kept.size() + 1);
 }
 
 TEST_F(CtxTest, ContextHoldingOnlyWifiReleasesOnlyTheRoot) {
@@ -604,11 +716,213 @@ TEST_F(CtxTest, ContextHoldingOnlyWifiReleasesOnlyTheRoot) {
 
 // ==== decoder main =========================================================================================
 
+TEST_F(CtxTest, MainTracesItsStepsAndReturnsTheContext) {
+    Builder b;
+    b.Doc().Characteristic(prov::kNapDef).Parm(prov::kNapId, "NAP1").End().End();
+    TraceCapture trace;
+    tqsClientProvCtx *ctx = Decode(b.Build());
+    ASSERT_NE(ctx, nullptr);
+    EXPECT_EQ(trace.lines().front(), "tqsClinetProvWbxmlDecoderMain\n");
+    EXPECT_TRUE(trace.Contains("Success")) << trace.Joined();
+    EXPECT_FALSE(trace.Contains("ERROR : tqsClinetProvWbxmlDecoderMain")) << trace.Joined();
+    ASSERT_NE(ctx->ptNapDef, nullptr);
+    EXPECT_STREQ(ctx->ptNapDef->pszNapId, "NAP1");
+    tqsClientProvCtxDelectContext(ctx);
+}
+
+TEST_F(CtxTest, MainFailuresReturnNullAndReleaseEverythingOfItsOwn) {
+    Builder wrongId;
+    wrongId.PublicId(0x01).Doc().Characteristic(prov::kNapDef).Parm(prov::kNapId, "NAP1").End().End();
+    Builder literal;  // a string table that the decoder copies and must release
+    literal.LiteralPublicId("-//WAPFORUM//DTD PROV 1.1//EN").Doc().End();
+    Builder badVersion;  // fails before any characteristic exists
+    badVersion.Tag(prov::kTagWapProvisioningDoc, true, true).Byte(0x47).Byte(wbxml::kEnd).End();
+    Builder unknown;
+    unknown.Tag(0x08, false, false);
+    const uint8_t none = 0;
+    struct Case {
+        const char *label;
+        std::vector<uint8_t> body;
+        const char *message;
+    } cases[] = {
+        {"wrong public id", wrongId.Build(), "tqsClientProvWbxmlDecoder[0x100b]"},
+        {"literal public id mismatch", literal.Build(), "tqsClientProvWbxmlDecoder[0x100b]"},
+        {"bad version attribute", badVersion.Build(), "tqsClientProvWbxmlDecoder[0x1005]"},
+        {"unknown first element", unknown.Build(), "tqsClientProvWbxmlDecoder[0x1005]"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.label);
+        TraceCapture trace;
+        EXPECT_EQ(Decode(c.body), nullptr);
+        EXPECT_TRUE(trace.Contains(std::string("ERROR : tqsClinetProvWbxmlDecoderMain ") + c.message + "\n"))
+            << trace.Joined();
+        EXPECT_FALSE(trace.Contains("Success"));
+        EXPECT_TRUE(LiveBlocks().empty());
+    }
+    {
+        SCOPED_TRACE("zero-length body");
+        TraceCapture trace;
+        EXPECT_EQ(tqsClinetProvWbxmlDecoderMain(&none, 0), nullptr);
+        EXPECT_TRUE(trace.Contains("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvWbxmlDecoder[0x100b]"))
+            << trace.Joined();
+        EXPECT_TRUE(LiveBlocks().empty());
+    }
+    {
+        SCOPED_TRACE("null body");
+        TraceCapture trace;
+        EXPECT_EQ(tqsClinetProvWbxmlDecoderMain(nullptr, 4), nullptr);
+        EXPECT_TRUE(
+            trace.Contains("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvWbxmlInitDecoder[0x2]"))
+            << trace.Joined();
+        EXPECT_TRUE(LiveBlocks().empty());
+    }
+    {
+        // A document without characteristics decodes to no tree at all, and
+        // the context builder refuses a missing tree.
+        SCOPED_TRACE("empty document");
+        TraceCapture trace;
+        EXPECT_EQ(DecodeSample("moz-empty-doc-netwpin.wbxml"), nullptr);
+        EXPECT_TRUE(trace.Contains("ERROR : tqsClinetProvWbxmlDecoderMain tqsClientProvCtxMakeContext[0x0]"))
+            << trace.Joined();
+        EXPECT_TRUE(LiveBlocks().empty());
+    }
+}
+
 // ==== leak accounting through the tracker's report
 // =========================================================== Decode with the main routine, release with
-// tqsClientProvCtxDelectContext, then read the tracker's report: only the deliberately kept blocks remain.
+// tqsClientProvCtxDelectContext, then read the tracker's printed report: only the deliberately kept blocks
+// remain, on the tree side and on the context side.
+
+std::vector<ReportLine> DecodeReleaseAndReport(const std::vector<uint8_t> &body) {
+    tqsMemStartMemCheck();
+    tqsClientProvCtx *ctx = Decode(body);
+    EXPECT_NE(ctx, nullptr);
+    tqsClientProvCtxDelectContext(ctx);
+    return ParseReport(EndTracking());
+}
+
+TEST_F(CtxTest, ReportIsEmptyForDocumentsWithoutKeptContent) {
+    EndTracking();  // each sample gets its own tracking run
+    for (const char *sample : {"cpc-omadm.wbxml", "gaia-tef-movistar.wbxml", "cpc-proxytest.wbxml",
+                               "moz-cht-emome-codepage1.wbxml", "sfos-beeline-2.wbxml"}) {
+        SCOPED_TRACE(sample);
+        std::vector<unsigned char> body = corpus::Read(sample);
+        tqsMemStartMemCheck();
+        tqsClientProvCtx *ctx = tqsClinetProvWbxmlDecoderMain(body.data(), uint32_t(body.size()));
+        ASSERT_NE(ctx, nullptr);
+        EXPECT_NE(ctx->ptNapDef != nullptr || ctx->ptApplication != nullptr, false);
+        tqsClientProvCtxDelectContext(ctx);
+        EXPECT_EQ(EndTracking(), "");
+    }
+}
+
+TEST_F(CtxTest, ReportListsOnlyTheKeptBlocks) {
+    EndTracking();  // each document gets its own tracking run
+    Builder kept;
+    kept.Doc()
+        .Characteristic("WI-FI")
+        .NamedParm("NETSSID", "net")
+        .NamedParm("PRIORITY", "1")
+        .End()
+        .Characteristic(prov::kApplication)
+        .Parm(prov::kAppId, "w5")
+        .NamedParm("FROM", "me@x")
+        .NamedParm("XCAP_AUID_DCS", "dcs")
+        .Characteristic("ROAMING")
+        .NamedParm("SYNC-ALLOWED", "1")
+        .End()
+        .End()
+        .Characteristic(prov::kNapDef)
+        .Parm(prov::kNapId, "NAP1")
+        .NamedParm("INIT")
+        .End()
+        .End();
+    constexpr int kRecord = sizeof(void *);
+    const std::string treeUnit = "jni/src/ClientProv/tqsClientProvWbxmlDecoder";
+    struct Case {
+        const char *label;
+        std::vector<uint8_t> body;
+        // Sizes as the tracker records them: records are fields x pointer + 1;
+        // context strings their length, tree strings their length + 1.
+        std::multiset<int> context;
+        std::multiset<int> tree;
+    };
+    const std::vector<unsigned char> identity = corpus::Read("own/identity-vendor-access.wbxml");
+    const Case cases[] = {
+        {"wifi, roaming, xcap, from, init",
+         kept.Build(),
+         {13 * kRecord + 1, 3, 1,  // WI-FI record, NETSSID, PRIORITY
+          3 * kRecord + 1, 1,      // ROAMING record, SYNC-ALLOWED
+          3, 4,                    // XCAP_AUID_DCS, the first copy of FROM
+          5},                      // INIT ("empty")
+         {2 * kRecord + 1, 2,      // ROAMING record and SYNC-ALLOWED
+          5, 4,                    // FROM, XCAP_AUID_DCS
+          129, 129}},              // the scratch block of each inline-named APPLICATION parm
+        {"own/identity-vendor-access.wbxml",
+         std::vector<uint8_t>(identity.begin(), identity.end()),
+         {5},       // INIT ("empty")
+         {13, 3}},  // VENDORCONFIG's parm name and value
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.label);
+        std::multiset<int> context, tree;
+        for (const ReportLine &l : DecodeReleaseAndReport(c.body)) {
+            if (l.file == kCtxUnit) {
+                context.insert(l.size);
+            } else {
+                EXPECT_EQ(l.file, treeUnit);
+                tree.insert(l.size);
+            }
+        }
+        EXPECT_EQ(context, c.context);
+        EXPECT_EQ(tree, c.tree);
+    }
+}
 
 // ==== long chains on a small stack
 // =============================================================================
+
+struct LongRun {
+    std::vector<uint8_t> body;
+    size_t napdefs = 0;
+    std::string first, last;
+};
+
+void *RunLong(void *arg) {
+    auto *run = static_cast<LongRun *>(arg);
+    tqsClientProvCtx *ctx = Decode(run->body);
+    if (ctx == nullptr) return nullptr;
+    run->napdefs = ChainLength(ctx->ptNapDef);
+    run->first = ctx->ptNapDef->pszNapId;
+    for (const tqsCtxNapDef *n = ctx->ptNapDef; n != nullptr; n = n->ptNext) run->last = n->pszNapId;
+    tqsClientProvCtxDelectContext(ctx);
+    return nullptr;
+}
+
+TEST(CtxLongChain, TenThousandNapdefsOnA256KStack) {
+    constexpr int kCount = 10000;
+    LongRun run;
+    Builder b;
+    b.Doc();
+    for (int i = 0; i < kCount; ++i) {
+        b.Characteristic(prov::kNapDef).Parm(prov::kNapId, "N" + std::to_string(i));
+        b.Parm(prov::kDnsAddr, "10.0.0.1").Parm(prov::kDnsAddr, "10.0.0.2");
+        b.Characteristic(prov::kNapAuthInfo).Parm(prov::kAuthName, "u").End();
+        b.End();
+    }
+    b.End();
+    run.body = b.Build();
+
+    pthread_attr_t attr;
+    ASSERT_EQ(pthread_attr_init(&attr), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attr, 256 * 1024), 0);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &attr, RunLong, &run), 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+    pthread_attr_destroy(&attr);
+    EXPECT_EQ(run.napdefs, size_t(kCount));
+    EXPECT_EQ(run.first, "N0");
+    EXPECT_EQ(run.last, "N" + std::to_string(kCount - 1));
+}
 
 }  // namespace
