@@ -38,6 +38,8 @@ TEST(WbxmlDecoderRecord, InitCopiesTheBodyWithZerosBehindIt) {
     ASSERT_GT(ptBuf->pEnd, ptBuf->pHead + sizeof body);
     for (unsigned char *p = ptBuf->pHead + sizeof body; p <= ptBuf->pEnd; ++p)
         ASSERT_EQ(*p, 0) << p - ptBuf->pHead;
+    // Sized for the body at once: the append did not grow the storage.
+    EXPECT_EQ(ptBuf->nBufSize, sizeof body + 1);
     EXPECT_EQ(ptDecoder->nCodePage, 0);
     EXPECT_EQ(ptDecoder->pStringTable, nullptr);
 

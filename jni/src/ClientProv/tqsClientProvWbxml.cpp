@@ -22,9 +22,13 @@ extern "C" TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder,
         tqcTrace("[Error] [tqsClientProvWbxmlInitDecoder] ptTmp NULL");
         return TQS_ERROR_MISSING;
     }
-    // A fresh buffer of exactly nLength grows on the first append, so zero
-    // bytes always follow the copy of the body; the string readers rely on it.
-    smlBufferCreate(&ptTmp->ptBuffer, nLength);
+    // The string readers rely on zero bytes after the copy of the body. One
+    // byte of room more than the body gives them without the first append's
+    // growth to twice the body + 256: from a body of ~400 bytes that block is
+    // a large request, which makes glibc consolidate all its free lists first
+    // (a fifth of a typical parse). A 4 GiB body wraps the capacity to 0 and
+    // the append then refuses it.
+    smlBufferCreate(&ptTmp->ptBuffer, nLength + 1);
     smlBufferAppendTail(ptTmp->ptBuffer, pBody, nLength);
     *pptDecoder = ptTmp;
     return TQS_OK;
