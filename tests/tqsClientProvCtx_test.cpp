@@ -165,7 +165,8 @@ TEST_F(CtxTest, NullDocumentAndNullListAreRefusedWithErrorTwo) {
     EXPECT_EQ(tqsClientProvCtxMakeContext(nullptr), nullptr);
     EXPECT_TRUE(trace.Contains("[Syncml] ERROR : 2\n")) << trace.Joined();
 
-    tqsClientProvCtx *ctx = reinterpret_cast<tqsClientProvCtx *>(&trace);  // must be overwritten
+    tqsClientProvCtx sentinel{};
+    tqsClientProvCtx *ctx = &sentinel;  // must be cleared
     EXPECT_EQ(tqsClientProvCtxVerifyContext(nullptr, &ctx), 2u);
     EXPECT_EQ(ctx, nullptr);
 
@@ -263,6 +264,51 @@ TEST_F(CtxTest, DuplicateClientIdentitySkipsTheRestOfItsItem) {
     ASSERT_NE(ctx, nullptr);
     EXPECT_EQ(ChainLength(ctx->ptNapDef), 1u);
     EXPECT_EQ(ctx->ptVenderConfig, nullptr);
+    tqsClientProvCtxDelectContext(ctx);
+}
+
+// Real messages: nesting lands in the typed child chains.
+TEST_F(CtxTest, CorpusSamplesConvertWithTheirNesting) {
+    tqsClientProvCtx *ctx = DecodeSample("gaia-tef-movistar.wbxml");
+    ASSERT_NE(ctx, nullptr);
+    const tqsCtxPxLogical *px = ctx->ptPxLogical;
+    ASSERT_EQ(ChainLength(px), 1u);
+    EXPECT_STREQ(px->pszProxyId, "10.138.255.133");
+    ASSERT_EQ(ChainLength(px->ptPort), 1u);  // PORT directly under PXLOGICAL
+    EXPECT_STREQ(px->ptPort->pszPortNbr, "8080");
+    ASSERT_EQ(ChainLength(px->ptPxPhysical), 1u);
+    EXPECT_EQ(Strings(px->ptPxPhysical->ptToNapId), std::vector<std::string>{"NAP1"});
+    ASSERT_EQ(ChainLength(px->ptPxPhysical->ptPort), 1u);
+    EXPECT_EQ(ChainLength(px->ptPxPhysical->ptPort->ptService), 1u);
+    ASSERT_EQ(ChainLength(ctx->ptNapDef), 1u);
+    ASSERT_EQ(ChainLength(ctx->ptNapDef->ptNapAuthInfo), 1u);
+    EXPECT_STREQ(ctx->ptNapDef->ptNapAuthInfo->pszAuthName, "telefonica");
+    ASSERT_EQ(ChainLength(ctx->ptApplication), 1u);
+    EXPECT_EQ(Strings(ctx->ptApplication->ptToProxy), std::vector<std::string>{"10.138.255.133"});
+    tqsClientProvCtxDelectContext(ctx);
+
+    ctx = DecodeSample("cpc-email.wbxml");
+    ASSERT_NE(ctx, nullptr);
+    ASSERT_EQ(ChainLength(ctx->ptApplication), 2u);
+    const tqsCtxApplication *smtp = ctx->ptApplication->ptNext;
+    EXPECT_STREQ(ctx->ptApplication->pszAppId, "110");
+    EXPECT_STREQ(smtp->pszAppId, "25");
+    EXPECT_STREQ(smtp->pszFrom, "user@localhost");
+    ASSERT_EQ(ChainLength(smtp->ptAppAddr), 1u);
+    EXPECT_STREQ(smtp->ptAppAddr->pszAddr, "smtp.localhost");
+    ASSERT_EQ(ChainLength(smtp->ptAppAddr->ptPort), 1u);
+    EXPECT_STREQ(smtp->ptAppAddr->ptPort->pszPortNbr, "465");
+    ASSERT_EQ(ChainLength(smtp->ptAppAuth), 1u);
+    EXPECT_STREQ(smtp->ptAppAuth->pszAAuthName, "username");
+    tqsClientProvCtxDelectContext(ctx);
+
+    ctx = DecodeSample("cpc-proxytest.wbxml");
+    ASSERT_NE(ctx, nullptr);
+    EXPECT_EQ(ChainLength(ctx->ptPxLogical), 3u);
+    size_t physical = 0;
+    for (const tqsCtxPxLogical *p = ctx->ptPxLogical; p != nullptr; p = p->ptNext)
+        physical += ChainLength(p->ptPxPhysical);
+    EXPECT_EQ(physical, 4u);
     tqsClientProvCtxDelectContext(ctx);
 }
 

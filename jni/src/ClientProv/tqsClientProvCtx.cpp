@@ -61,6 +61,7 @@ struct ChainTail {
     void *last = nullptr;
 
     void Append(void *parent, Offset head, Offset next, void *rec) {
+        if (rec == nullptr) return;  // a record that could not be allocated is missing from its chain
         if (last == nullptr) {
             // Start from whatever the chain already holds.
             for (void *p = Load(parent, head); p != nullptr; p = Load(p, next)) last = p;
@@ -173,6 +174,7 @@ tqsCtxStrNode *ConvertStrList(const char *name, TqsList *list) {
         status = tqsListGetItemNext(list, &item);
         if (status != TQS_OK || item == nullptr) break;  // a null item drops the rest
         auto *node = static_cast<tqsCtxStrNode *>(NewRecord(sizeof(tqsCtxStrNode)));
+        if (node == nullptr) break;  // out of memory: the chain ends here
         if (tail == nullptr) {
             head = node;
         } else {
@@ -217,6 +219,7 @@ void *ConvertRecord(const char *name, const void *wap, const ConvertDesc &d) {
         return nullptr;
     }
     void *rec = NewRecord(d.size);
+    if (rec == nullptr) return nullptr;  // out of memory: no record rather than writes through null
     for (uint8_t i = 0; i < d.strings.count; ++i) {
         const FieldPair &f = d.strings.row[i];
         const void *text = Load(wap, f.from);
@@ -633,6 +636,10 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
     }
 
     auto *ptRoot = static_cast<tqsClientProvCtx *>(NewRecord(sizeof(tqsClientProvCtx)));
+    if (ptRoot == nullptr) {  // out of memory: no context rather than writes through null
+        tqcTraceError(TQS_ERROR_FAILED);
+        return TQS_ERROR_FAILED;
+    }
     ChainTail tails[std::size(root::kSlots)];
     for (; item != nullptr; status = tqsListGetItemNext(ptCharacterList, &item)) {
         if (status != TQS_OK) break;
