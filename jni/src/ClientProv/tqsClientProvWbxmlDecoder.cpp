@@ -1695,9 +1695,9 @@ TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag
 
 }  // namespace
 
-#define TQS_DEFINE_PARM_HANDLER(name, type, spec)                           \
+#define TQS_DEFINE_PARM_HANDLER(name, type, handler)                        \
     extern "C" TqsResult name(tqsWbxmlDecoder *ptDecoder, type *ptRecord) { \
-        return RunParmHandler(ptDecoder, ptRecord, spec);                   \
+        return RunParmHandler(ptDecoder, ptRecord, handler);                \
     }
 TQS_DEFINE_PARM_HANDLER(tqsClientProvWbxmlDecoderParamPxlogical, tqsWapPxLogical, kPxLogicalHandler)
 TQS_DEFINE_PARM_HANDLER(tqsClientProvWbxmlDecoderParamPxAuthInfo, tqsWapPxAuthInfo, kPxAuthInfoHandler)
