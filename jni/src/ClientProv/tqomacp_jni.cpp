@@ -616,7 +616,7 @@ JNIEXPORT jboolean JNICALL jni_tqomacp_parser(JNIEnv *env, jclass, jbyteArray pd
     if (ptPushHeader == nullptr) return JNI_FALSE;
     if (mode == 1) return JNI_TRUE;
 
-    ptCtx = tqsClinetProvWbxmlDecoderMain(ptPushHeader->pBody, ptPushHeader->nBodyLen);
+    ptCtx = tqsClinetProvWbxmlDecoderMain(ptPushHeader->pBody, static_cast<uint32_t>(ptPushHeader->nBodyLen));
     if (ptCtx != nullptr) return JNI_TRUE;
     // Body rejected: the record goes (its body copy stays allocated, as on
     // every release) and the global is cleared so that nothing reads or frees
@@ -797,7 +797,8 @@ JNIEXPORT jstring JNICALL jni_tqomacp_GetPxBearerData(JNIEnv *env, jclass, jint 
     const tqsCtxStrNode *bearer = static_cast<const tqsCtxStrNode *>(Select(kBearer, numbers));
     if (bearer == nullptr || bearer->pBearer == nullptr) return nullptr;
     const unsigned char code = static_cast<unsigned char>(bearer->pBearer[0]);
-    // A bearer given as text answers with the NAPDEF's NAP-ADDRESS instead.
+    // A bearer given as text answers with the NAPDEF's NAP-ADDRESS instead,
+    // whole: no 128-byte staging copy to overrun with a long address.
     if (tqsStrIsAscii(code)) {
         const tqsCtxNapDef *napDef = static_cast<const tqsCtxNapDef *>(Select(kNapDef, numbers));
         return NewJavaString(env, napDef->pszNapAddress);
