@@ -58,6 +58,43 @@ public class ParserSessionTest {
   }
 
   @Test
+  public void headerOnlyModeLeavesAnEarlierContextInPlace() {
+    byte[] bank = Corpus.read(BANK);
+    assertTrue(tqomacp_parser(bank, bank.length, MODE_FULL));
+    assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
+    byte[] other = Wbxml.pdu(Wbxml.doc(), "MAC1");
+    assertTrue(tqomacp_parser(other, other.length, MODE_HEADER_ONLY));
+    assertEquals(4, tqomacp_GetParserMACLen());
+    assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
+  }
+
+  @Test
+  public void fullParsePublishesTheContext() {
+    byte[] pdu = Corpus.read(BANK);
+    assertTrue(tqomacp_parser(pdu, pdu.length, MODE_FULL));
+    assertEquals(47, tqomacp_GetParserHeaderLen());
+    assertEquals(1, XCPCtxPxLogical.tqomacp_GetPxLogicalCount());
+    assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
+    // Any mode other than 1 decodes the body.
+    tqomacp_parser_del();
+    assertTrue(tqomacp_parser(pdu, pdu.length, 7));
+    assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
+  }
+
+  @Test
+  public void rejectedBodyReleasesTheHeaderRecord() {
+    byte[] garbage = Wbxml.pdu(Wbxml.bytes(0x03, 0x0B, 0x6A, 0x00, 0x45, 0xC6, 0x51));
+    assertFalse(tqomacp_parser(garbage, garbage.length, MODE_FULL));
+    assertEmptyState();
+    assertEquals(0, XCPCtxPxLogical.tqomacp_GetPxLogicalCount());
+    tqomacp_parser_del();
+    assertEmptyState();
+    // The same PDU's header alone is fine.
+    assertTrue(tqomacp_parser(garbage, garbage.length, MODE_HEADER_ONLY));
+    assertEquals(garbage.length - 6, tqomacp_GetParserBodyLen());
+  }
+
+  @Test
   public void pushWithoutMac() {
     byte[] body = Wbxml.doc();
     byte[] pdu = Wbxml.cat(Wbxml.bytes(0x01, 0x06, 0x03, 0xB6, 0x91, 0x80), body);

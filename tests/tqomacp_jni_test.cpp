@@ -1,0 +1,608 @@
+// The Java binding over the fake JNI environment: registration, the parse
+// session's header stage, and every getter family on contexts built by hand,
+// so the quirks are pinned down independently of the decoder.
+#include "tqomacp_jni.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "corpus.h"
+#include "fake_jni.h"
+#include "tqsmemory.h"
+
+namespace {
+
+using fakejni::FakeJvm;
+using Strings = std::vector<std::optional<std::string>>;
+
+const char *const kClassOrder[] = {
+    "com/tqomacp/eng/parser/XCPCtxParser",         "com/tqomacp/eng/parser/XCPCtxPxLogical",
+    "com/tqomacp/eng/parser/XCPCtxNapDef",         "com/tqomacp/eng/parser/XCPCtxBootstrap",
+    "com/tqomacp/eng/parser/XCPCtxClientIdentity", "com/tqomacp/eng/parser/XCPCtxVendorConfig",
+    "com/tqomacp/eng/parser/XCPCtxApplication",    "com/tqomacp/eng/parser/XCPCtxAccess",
+    "com/tqomacp/eng/parser/XCPCtxWifi",
+};
+const size_t kNativesPerClass[] = {9, 20, 13, 6, 1, 2, 19, 13, 2};
+
+// ---------------------------------------------------------------------------
+// Registration
+// ---------------------------------------------------------------------------
+
+TEST(TqomacpJniRegistration, OnLoadRegistersNineClassesInOrder) {
+    FakeJvm jvm;
+    EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), JNI_VERSION_1_4);
+    const auto &regs = jvm.registrations();
+    ASSERT_EQ(regs.size(), 9u);
+    size_t total = 0;
+    for (size_t i = 0; i < regs.size(); ++i) {
+        EXPECT_EQ(regs[i].className, kClassOrder[i]);
+        EXPECT_EQ(regs[i].methods.size(), kNativesPerClass[i]) << kClassOrder[i];
+        for (const auto &m : regs[i].methods) EXPECT_EQ(m.name.rfind("tqomacp_", 0), 0u) << m.name;
+        total += regs[i].methods.size();
+    }
+    EXPECT_EQ(total, 85u);
+    // Spot checks of name, signature and implementation.
+    EXPECT_EQ(jvm.nativeFor(kClassOrder[0], "tqomacp_parser"), reinterpret_cast<void *>(&jni_tqomacp_parser));
+    EXPECT_EQ(regs[0].methods[0].signature, "([BJI)Z");
+    EXPECT_EQ(regs[2].methods[3].name, "tqomacp_SetPxNapDefIndex");  // the cursor stands fourth
+    EXPECT_EQ(regs[2].methods[3].signature, "(I)V");
+    EXPECT_EQ(jvm.nativeFor(kClassOrder[8], "tqomacp_GetPxWifiData"),
+              reinterpret_cast<void *>(&jni_tqomacp_GetPxWifiData));
+    EXPECT_EQ(regs[6].methods[18].signature, "()[Ljava/lang/String;");
+}
+
+TEST(TqomacpJniRegistration, VmWithoutJni14RegistersNothing) {
+    FakeJvm jvm;
+    jvm.setSupportedVersion(JNI_VERSION_1_2);
+    EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), -1);
+    EXPECT_TRUE(jvm.registrations().empty());
+    EXPECT_EQ(jvm.calls("FindClass"), 0u);
+}
+
+TEST(TqomacpJniRegistration, StopsAtTheFirstFailingClass) {
+    struct Case {
+        const char *label;
+        void (*breakIt)(FakeJvm &);
+        size_t registered;
+    };
+    const Case cases[] = {
+        {"XCPCtxAccess missing", [](FakeJvm &j) { j.hideClass(kClassOrder[7]); }, 7},
+        {"XCPCtxParser refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[0]); }, 0},
+        {"XCPCtxWifi refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[8]); }, 8},
+        // A class whose declared natives differ from the table (wrong signature).
+        {"signature mismatch",
+         [](FakeJvm &j) {
+             j.declareMethods(kClassOrder[4], {{"tqomacp_GetPxClientIdentityData", "()I"}});
+         },
+         4},
+    };
+    for (const Case &c : cases) {
+        FakeJvm jvm;
+        c.breakIt(jvm);
+        EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), -1) << c.label;
+        ASSERT_EQ(jvm.registrations().size(), c.registered) << c.label;
+        for (size_t i = 0; i < c.registered; ++i) EXPECT_EQ(jvm.registrations()[i].className, kClassOrder[i]);
+        // Nothing after the failing class is even looked up.
+        EXPECT_EQ(jvm.calls("FindClass"), c.registered + 1) << c.label;
+        EXPECT_FALSE(jvm.pendingException().empty()) << c.label;
+    }
+}
+
+TEST(TqomacpJniRegistration, RegisterNativeMethodsReportsEachStep) {
+    FakeJvm jvm;
+    JNINativeMethod m = {const_cast<char *>("tqomacp_GetPxWifiCount"), const_cast<char *>("()I"),
+                         reinterpret_cast<void *>(&jni_tqomacp_GetPxWifiCount)};
+    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/A", &m, 1), 1);
+    jvm.hideClass("com/x/B");
+    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/B", &m, 1), 0);
+    jvm.failRegistration("com/x/C");
+    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/C", &m, 1), 0);
+    EXPECT_EQ(jvm.registrations().size(), 1u);
+}
+
+// ---------------------------------------------------------------------------
+// Hand-built contexts
+// ---------------------------------------------------------------------------
+
+// Owns the records of one context and publishes it in ptCtx.
+class ContextBuilder {
+   public:
+    ContextBuilder() : root(New<tqsClientProvCtx>()) { ptCtx = root; }
+    ~ContextBuilder() {
+        ptCtx = nullptr;
+        for (void *block : blocks_) free(block);
+    }
+    ContextBuilder(const ContextBuilder &) = delete;
+    ContextBuilder &operator=(const ContextBuilder &) = delete;
+
+    template <class T>
+    T *New() {
+        T *record = static_cast<T *>(calloc(1, sizeof(T)));
+        blocks_.push_back(record);
+        return record;
+    }
+
+    char *Str(const std::string &text) {
+        char *copy = static_cast<char *>(calloc(text.size() + 1, 1));
+        memcpy(copy, text.data(), text.size());
+        blocks_.push_back(copy);
+        return copy;
+    }
+
+    tqsCtxStrNode *List(std::initializer_list<std::string> items) {
+        tqsCtxStrNode *head = nullptr;
+        tqsCtxStrNode **tail = &head;
+        for (const std::string &item : items) {
+            *tail = New<tqsCtxStrNode>();
+            (*tail)->pszStr = Str(item);
+            tail = &(*tail)->ptNext;
+        }
+        return head;
+    }
+
+    // Appends `count` records of type T to the chain at `head` and returns them.
+    template <class T>
+    std::vector<T *> Chain(T **head, int count) {
+        std::vector<T *> records;
+        for (int i = 0; i < count; ++i) {
+            T *record = New<T>();
+            *head = record;
+            head = &record->ptNext;
+            records.push_back(record);
+        }
+        return records;
+    }
+
+   private:
+    std::vector<void *> blocks_;  // before root: New() fills it
+
+   public:
+    tqsClientProvCtx *root;
+};
+
+class TqomacpJniGetters : public ::testing::Test {
+   protected:
+    // Every text must reach the VM as modified UTF-8.
+    TqomacpJniGetters() { jvm.setStrictUtf8(true); }
+
+    std::optional<std::string> S(jstring s) const { return jvm.string(s); }
+    Strings A(jobjectArray a) const { return jvm.strings(a); }
+
+    FakeJvm jvm;
+    JNIEnv *env = jvm.env();
+    ContextBuilder ctx;
+};
+
+TEST_F(TqomacpJniGetters, ServiceNamesGoByPositionAndRunIntoTheBearerTable) {
+    auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
+    auto ports = ctx.Chain(&px[0]->ptPort, 1);
+    ports[0]->ptService = ctx.List({"\xCA", "ignored"});
+    EXPECT_EQ(jni_tqomacp_GetPxPortServiceCount(env, nullptr, 1, 1), 2);
+    EXPECT_EQ(S(jni_tqomacp_GetPxPortServiceData(env, nullptr, 1, 1, 1)), "CO-WSP");
+    EXPECT_EQ(S(jni_tqomacp_GetPxPortServiceData(env, nullptr, 1, 1, 2)), "CL-SEC-WSP");
+    EXPECT_EQ(jni_tqomacp_GetPxPortServiceData(env, nullptr, 1, 1, 3), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxPortServiceData(env, nullptr, 1, 1, 0), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxPortServiceData(env, nullptr, 1, 2, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxPortServiceData(env, nullptr, 2, 1, 1), nullptr);
+
+    // A PXPHYSICAL port with 40 services reaches past both tables.
+    auto phys = ctx.Chain(&px[0]->ptPxPhysical, 1);
+    auto physPorts = ctx.Chain(&phys[0]->ptPort, 1);
+    tqsCtxStrNode **tail = &physPorts[0]->ptService;
+    for (int i = 0; i < 40; ++i, tail = &(*tail)->ptNext) *tail = ctx.List({"x"});
+    struct Row {
+        jint s;
+        std::optional<std::string> name;
+    };
+    const Row rows[] = {{1, "CO-WSP"}, {9, "OTA-HTTP-TLS-PO"}, {10, "Unkown Service"}, {11, "GSM-USSD"},
+                        {37, "WLAN"},  {38, "Unkown Bearer"},  {39, std::nullopt},     {40, std::nullopt}};
+    for (const Row &r : rows) {
+        EXPECT_EQ(S(jni_tqomacp_GetPxPhysicalPortServiceData(env, nullptr, 1, 1, 1, r.s)), r.name) << r.s;
+    }
+    EXPECT_EQ(jni_tqomacp_GetPxPhysicalPortServiceCount(env, nullptr, 1, 1, 1), 40);
+}
+
+TEST_F(TqomacpJniGetters, BearerCountSelectsWithALessThanWalk) {
+    auto naps = ctx.Chain(&ctx.root->ptNapDef, 2);
+    naps[0]->ptBearer = ctx.List({"a"});
+    naps[1]->ptBearer = ctx.List({"a", "b", "c"});
+    struct Row {
+        jint n;
+        jint bearers;  // BEARER count
+        jint dns;      // DNS-ADDR count, the ordinary walk, for contrast
+    };
+    naps[0]->ptDnsAddr = ctx.List({"d"});
+    const Row rows[] = {{-7, 1, 0}, {0, 1, 0}, {1, 1, 1}, {2, 3, 0}, {3, 0, 0}};
+    for (const Row &r : rows) {
+        EXPECT_EQ(jni_tqomacp_GetPxBearerCount(env, nullptr, r.n), r.bearers) << r.n;
+        EXPECT_EQ(jni_tqomacp_GetPxDnsAddrCount(env, nullptr, r.n), r.dns) << r.n;
+    }
+}
+
+TEST_F(TqomacpJniGetters, BearerNamesAndTheNapAddressSubstitution) {
+    auto naps = ctx.Chain(&ctx.root->ptNapDef, 2);
+    naps[0]->pszNapAddress = ctx.Str("internet.example");
+    naps[0]->ptBearer = ctx.List({"\xAB", "\xAA", "\xBC", "\xA1", "\xFF", "", "GSM-UMTS", "\x1F"});
+    naps[1]->ptBearer = ctx.List({"GSM-GPRS"});  // text, and no NAP-ADDRESS
+    const std::optional<std::string> expected[] = {"GSM-GPRS",         "GSM-CSD",       "WLAN",
+                                                   "Unkown Bearer",    "Unkown Bearer", "Unkown Bearer",
+                                                   "internet.example", "Unkown Bearer"};
+    for (jint k = 1; k <= 8; ++k) {
+        EXPECT_EQ(S(jni_tqomacp_GetPxBearerData(env, nullptr, 1, k)), expected[k - 1]) << k;
+    }
+    EXPECT_EQ(jni_tqomacp_GetPxBearerData(env, nullptr, 1, 9), nullptr);
+    const std::string longAddress(300, 'a');
+    naps[0]->pszNapAddress = ctx.Str(longAddress);
+    EXPECT_EQ(S(jni_tqomacp_GetPxBearerData(env, nullptr, 1, 7)), longAddress);
+    EXPECT_EQ(jni_tqomacp_GetPxBearerData(env, nullptr, 2, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxBearerData(env, nullptr, 0, 1), nullptr);
+}
+
+TEST_F(TqomacpJniGetters, SetPxNapDefIndexMovesTheHead) {
+    struct Row {
+        jint n;
+        jint remaining;
+        const char *first;  // NAPID of the new head
+    };
+    const Row rows[] = {{1, 3, "N1"},    {2, 2, "N2"},    {3, 1, "N3"},
+                        {4, 0, nullptr}, {0, 0, nullptr}, {-1, 0, nullptr}};
+    for (const Row &r : rows) {
+        ctx.root->ptNapDef = nullptr;
+        auto naps = ctx.Chain(&ctx.root->ptNapDef, 3);
+        for (int i = 0; i < 3; ++i) naps[i]->pszNapId = ctx.Str("N" + std::to_string(i + 1));
+        jni_tqomacp_SetPxNapDefIndex(env, nullptr, r.n);
+        EXPECT_EQ(jni_tqomacp_GetPxNapDefCount(env, nullptr), r.remaining) << r.n;
+        jobjectArray head = jni_tqomacp_GetPxNapDefData(env, nullptr, 1);
+        if (r.first == nullptr) {
+            EXPECT_EQ(head, nullptr) << r.n;
+        } else {
+            EXPECT_EQ(A(head)[0], r.first) << r.n;
+        }
+    }
+}
+
+TEST_F(TqomacpJniGetters, NapDefDataMapsRawAddressTypesAndShiftsOnText) {
+    auto naps = ctx.Chain(&ctx.root->ptNapDef, 3);
+    for (tqsCtxNapDef *nap : naps) {
+        char **fields = reinterpret_cast<char **>(nap);
+        for (int i = 0; i < 28; ++i) fields[i] = ctx.Str("f" + std::to_string(i));
+        for (int i = 17; i <= 22; ++i) fields[i] = nullptr;  // reserved
+    }
+    naps[0]->pszNapAddrType = ctx.Str("\x8A");
+    naps[1]->pszNapAddrType = ctx.Str("APN");
+    naps[2]->pszNapAddrType = nullptr;
+
+    Strings raw = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 1));
+    ASSERT_EQ(raw.size(), 29u);
+    EXPECT_EQ(raw[3], "f3");
+    EXPECT_EQ(raw[4], "0x8a");
+    EXPECT_EQ(raw[5], "f5");
+    EXPECT_EQ(raw[16], "f16");
+    for (int i = 17; i <= 22; ++i) EXPECT_EQ(raw[i], std::nullopt) << i;
+    EXPECT_EQ(raw[27], "f27");
+    EXPECT_EQ(raw[28], std::nullopt);
+
+    Strings text = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 2));
+    ASSERT_EQ(text.size(), 29u);
+    EXPECT_EQ(text[4], "f5");  // CALLTYPE moved up
+    EXPECT_EQ(text[26], "f27");
+    EXPECT_EQ(text[27], std::nullopt);
+    EXPECT_EQ(text[28], "");  // the initial empty string
+
+    Strings none = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 3));
+    EXPECT_EQ(none[4], std::nullopt);
+    EXPECT_EQ(none[5], "f5");
+    EXPECT_EQ(none[28], std::nullopt);
+
+    struct Row {
+        const char *stored;
+        const char *element;
+    };
+    const Row codes[] = {{"\x85", "0x85"}, {"\x86", "0x86"}, {"\x87x", "0x87"}, {"\x88", "0x88"},
+                         {"\x89", "0x89"}, {"\x8B", "0x8b"}, {"\x8C", "0x8c"}};
+    for (const Row &r : codes) {
+        naps[0]->pszNapAddrType = ctx.Str(r.stored);
+        EXPECT_EQ(A(jni_tqomacp_GetPxNapDefData(env, nullptr, 1))[4], r.element) << r.element;
+    }
+}
+
+TEST_F(TqomacpJniGetters, AuthTypeLevelAndAddressTypeMappings) {
+    auto naps = ctx.Chain(&ctx.root->ptNapDef, 1);
+    auto auth = ctx.Chain(&naps[0]->ptNapAuthInfo, 1);
+    auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
+    auto phys = ctx.Chain(&px[0]->ptPxPhysical, 1);
+    auto apps = ctx.Chain(&ctx.root->ptApplication, 1);
+    auto appAuth = ctx.Chain(&apps[0]->ptAppAuth, 1);
+    // The field after the mapped one, to see that nothing moves.
+    auth[0]->pszAuthName = ctx.Str("next");
+    phys[0]->pszPxAddrFqdn = ctx.Str("next");
+    appAuth[0]->pszAAuthType = ctx.Str("next");
+
+    using Getter = jobjectArray (*)(JNIEnv *, jclass, jint, jint);
+    struct Row {
+        std::optional<std::string> stored;
+        std::optional<std::string> element;
+    };
+    struct Mapping {
+        const char *label;
+        char **field;
+        Getter get;
+        size_t index;   // of the mapped element
+        size_t length;  // of the array
+        std::vector<Row> rows;
+    };
+    const Mapping mappings[] = {
+        {"AUTHTYPE",
+         &auth[0]->pszAuthType,
+         jni_tqomacp_GetPxNapAuthInfoData,
+         0,
+         5,
+         {{std::nullopt, std::nullopt},
+          {"PAP", "PAP"},
+          {"\x9A", "PAP"},
+          {"CHAP", "CHAP"},
+          {"\x9B", "CHAP"},
+          {"HTTP-BASIC", "HTTP-BASIC"},
+          {"\x9C", "HTTP-BASIC"},
+          {"\x9D", "HTTP-DIGEST"},
+          {"WTLS-SS", "WTLS-SS"},
+          {"WTLS_SS", "NONE"},
+          {"\x9E", "WTLS-SS"},
+          {"MD5", "MD5"},
+          {"\x9F", "MD5"},
+          {"pap", "NONE"},
+          {"PAP,CHAP", "NONE"},
+          {"", "NONE"},
+          {"\x91", "NONE"}}},
+        {"PXADDRTYPE",
+         &phys[0]->pszPxAddrType,
+         jni_tqomacp_GetPxPhysicalData,
+         2,
+         8,
+         {{std::nullopt, std::nullopt},
+          {"IPV4", "NET_ADDR_IPV4"},
+          {"\x85", "NET_ADDR_IPV4"},
+          {"IPV6", "NET_ADDR_IPV6"},
+          {"\x86", "NET_ADDR_IPV6"},
+          {"E164", "NET_ADDR_IPV4"},
+          {"ipv6", "NET_ADDR_IPV4"},
+          {"\x88", "NET_ADDR_IPV4"}}},
+        {"AAUTHLEVEL",
+         &appAuth[0]->pszAAuthLevel,
+         jni_tqomacp_GetPxAppAuthData,
+         0,
+         6,
+         {{std::nullopt, std::nullopt},
+          {"\x8D", "APPSRV"},
+          {"APPSRV", "APPSRV"},
+          {"appsrv", std::nullopt},
+          {"CLIENT", "CLIENT"},
+          {"client", "CLIENT"},
+          {"cLiEnT", "CLIENT"},
+          {"\x8E", std::nullopt},
+          {"OBEX", std::nullopt}}},
+    };
+    for (const Mapping &m : mappings) {
+        for (const Row &r : m.rows) {
+            *m.field = r.stored ? ctx.Str(*r.stored) : nullptr;
+            Strings got = A(m.get(env, nullptr, 1, 1));
+            ASSERT_EQ(got.size(), m.length) << m.label;
+            EXPECT_EQ(got[m.index], r.element) << m.label << " " << r.stored.value_or("(null)");
+            EXPECT_EQ(got[m.index + 1], "next") << m.label;
+            EXPECT_EQ(got[m.length - 1], std::nullopt) << m.label;
+        }
+    }
+}
+
+TEST_F(TqomacpJniGetters, ProxyDataIsNeverNull) {
+    Strings empty = A(jni_tqomacp_GetProxyData(env, nullptr, 1));
+    EXPECT_EQ(empty, Strings(14, std::string()));
+    auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
+    px[0]->pszProxyId = ctx.Str("P1");
+    px[0]->pszStartPage = ctx.Str("http://start");
+    EXPECT_EQ(A(jni_tqomacp_GetProxyData(env, nullptr, 0)), Strings(14, std::string()));
+    EXPECT_EQ(A(jni_tqomacp_GetProxyData(env, nullptr, 2)), Strings(14, std::string()));
+    Strings got = A(jni_tqomacp_GetProxyData(env, nullptr, 1));
+    Strings expected(14, std::nullopt);
+    expected[0] = "P1";
+    expected[7] = "http://start";
+    EXPECT_EQ(got, expected);
+    // Other composites answer null for a missing record.
+    EXPECT_EQ(jni_tqomacp_GetBootstrapData(env, nullptr, 0), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxPhysicalData(env, nullptr, 1, 1), nullptr);
+}
+
+// Every count and data getter walks the same way: 1-based, nothing for 0,
+// negative or past the end, and nothing at all without a published context.
+TEST_F(TqomacpJniGetters, EveryWalkIsBoundedAndNeedsAContext) {
+    auto acc = ctx.Chain(&ctx.root->ptAccess, 1);
+    acc[0]->ptAppId = ctx.List({"w2", "w4"});
+    auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
+    px[0]->ptDomain = ctx.List({"d1"});
+    EXPECT_EQ(S(jni_tqomacp_GetPxAppIdData(env, nullptr, 1, 2)), "w4");
+    // The two walks the original left unguarded.
+    EXPECT_EQ(jni_tqomacp_GetPxAppIdData(env, nullptr, 1, 3), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxAppIdData(env, nullptr, 2, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxDomainData(env, nullptr, 2, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxDomainData(env, nullptr, 0, 1), nullptr);
+    for (jint n : {0, -1, 2, INT32_MIN, INT32_MAX}) {
+        EXPECT_EQ(jni_tqomacp_GetPxDomainCount(env, nullptr, n), 0) << n;
+        EXPECT_EQ(jni_tqomacp_GetPxAppIdCount(env, nullptr, n), 0) << n;
+        EXPECT_EQ(jni_tqomacp_GetPxDomainData(env, nullptr, 1, n == 2 ? 2 : n), nullptr) << n;
+    }
+
+    ptCtx = nullptr;
+    EXPECT_EQ(jni_tqomacp_GetPxLogicalCount(env, nullptr), 0);
+    EXPECT_EQ(jni_tqomacp_GetPxDomainCount(env, nullptr, 1), 0);
+    EXPECT_EQ(jni_tqomacp_GetPxBearerCount(env, nullptr, 1), 0);
+    EXPECT_EQ(jni_tqomacp_GetPxAppIdData(env, nullptr, 1, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxClientIdentityData(env, nullptr), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxWifiData(env, nullptr, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxRoamingData(env, nullptr), nullptr);
+    EXPECT_EQ(A(jni_tqomacp_GetProxyData(env, nullptr, 1)), Strings(14, std::string()));
+    jni_tqomacp_SetPxNapDefIndex(env, nullptr, 2);
+}
+
+TEST_F(TqomacpJniGetters, StringsReachJavaAsModifiedUtf8) {
+    auto ident = ctx.New<tqsCtxClientIdent>();
+    ctx.root->ptClientIdent = ident;
+    EXPECT_EQ(jni_tqomacp_GetPxClientIdentityData(env, nullptr), nullptr);  // null field
+    struct Row {
+        const char *stored;
+        const char *sent;  // bytes given to NewStringUTF
+    };
+    const Row rows[] = {
+        {"", ""},
+        {"plain ascii", "plain ascii"},
+        {"\xC3\xA9t\xC3\xA9", "\xC3\xA9t\xC3\xA9"},                // two-byte UTF-8 passes
+        {"\xE2\x82\xAC", "\xE2\x82\xAC"},                          // three-byte UTF-8 passes
+        {"\x85", "\xC2\x85"},                                      // a token code byte: U+0085
+        {"\xFF\x80", "\xC3\xBF\xC2\x80"},                          // stray bytes, one char each
+        {"A\xC3(", "A\xC3\x83("},                                  // truncated sequence
+        {"\xC0\xAF", "\xC3\x80\xC2\xAF"},                          // overlong form refused
+        {"\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xC2\x80"},              // encoded surrogate refused
+        {"\xF0\x9F\x98\x80", "\xED\xA0\xBD\xED\xB8\x80"},          // U+1F600 as a surrogate pair
+        {"\xF4\x90\x80\x80", "\xC3\xB4\xC2\x90\xC2\x80\xC2\x80"},  // beyond U+10FFFF
+        {"x\xE2\x82", "x\xC3\xA2\xC2\x82"},                        // cut at the end
+    };
+    for (const Row &r : rows) {
+        ident->pszClientId = ctx.Str(r.stored);
+        EXPECT_EQ(S(jni_tqomacp_GetPxClientIdentityData(env, nullptr)), std::string(r.sent)) << r.stored;
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Parse session
+// ---------------------------------------------------------------------------
+
+// Runs with leak tracking on, so each test can say which blocks a session
+// leaves allocated by design (the body copies, records overwritten without
+// release) and then free them.
+class TqomacpJniSession : public ::testing::Test {
+   protected:
+    void SetUp() override {
+        jvm.setStrictUtf8(true);
+        jni_tqomacp_parser_del(env, nullptr);
+        tqsMemStartMemCheck();
+    }
+    void TearDown() override {
+        jni_tqomacp_parser_del(env, nullptr);
+        EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>()) << "unexpected blocks left";
+        tqsMemEndMemCheck();
+    }
+
+    // "unit:line" of every tracked block still allocated, in table order; frees them.
+    static std::vector<std::string> TakeLiveBlocks() {
+        std::vector<std::string> live;
+        while (MemCheckEntry *entry = tqsMemGetIndex()) {
+            live.push_back(std::string(entry->pszFileName) + ":" + std::to_string(entry->nLine));
+            tqsMemFree_debug(entry->pAddress);
+        }
+        return live;
+    }
+
+    void ExpectEmpty() {
+        EXPECT_EQ(jni_tqomacp_GetParserContentType(env, nullptr), -1);
+        EXPECT_EQ(jni_tqomacp_GetParserHeaderLen(env, nullptr), -1);
+        EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), -1);
+        EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), -1);
+        EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), -1);
+        EXPECT_EQ(jni_tqomacp_GetParserMAC(env, nullptr), nullptr);
+        EXPECT_EQ(jni_tqomacp_GetParserBody(env, nullptr), nullptr);
+    }
+
+    static constexpr const char *kBody = "jni/src/ClientProv/tqspushhandler:167";
+    static constexpr const char *kRecord = "jni/src/ClientProv/tqspushhandler:51";
+
+    FakeJvm jvm;
+    JNIEnv *env = jvm.env();
+};
+
+TEST_F(TqomacpJniSession, HeaderOnlyParseAndRelease) {
+    ExpectEmpty();
+    const std::vector<uint8_t> pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x0B, 0x6A, 0x00, 0x45, 0x01};
+    jbyteArray array = jvm.newByteArray(pdu);
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, static_cast<jlong>(pdu.size()), 1), JNI_TRUE);
+    EXPECT_EQ(ptCtx, nullptr);
+    EXPECT_EQ(jni_tqomacp_GetParserContentType(env, nullptr), 0x36);
+    EXPECT_EQ(jni_tqomacp_GetParserHeaderLen(env, nullptr), 3);
+    EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), 6);
+    EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), 0x80);
+    EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), 0);
+    EXPECT_TRUE(jvm.bytes(jni_tqomacp_GetParserMAC(env, nullptr)).empty());
+    EXPECT_EQ(jvm.bytes(jni_tqomacp_GetParserBody(env, nullptr)),
+              std::vector<uint8_t>(pdu.begin() + 6, pdu.end()));
+    // len past the array is cut to it; a shorter len is honoured.
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, 1000, 1), JNI_TRUE);
+    EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), 6);
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, -5, 1), JNI_TRUE);
+    EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), 6);
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, 8, 1), JNI_TRUE);
+    EXPECT_EQ(jvm.bytes(jni_tqomacp_GetParserBody(env, nullptr)), (std::vector<uint8_t>{0x03, 0x0B}));
+    jni_tqomacp_parser_del(env, nullptr);
+    ExpectEmpty();
+    jni_tqomacp_parser_del(env, nullptr);
+    ExpectEmpty();
+    // Four parses: four body copies stay; the three records overwritten
+    // without a release stay too; the last record was released.
+    EXPECT_EQ(TakeLiveBlocks(),
+              (std::vector<std::string>{kRecord, kBody, kRecord, kBody, kRecord, kBody, kBody}));
+}
+
+TEST_F(TqomacpJniSession, RefusedHeadersLeaveTheEmptyState) {
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, nullptr, 10, 0), JNI_FALSE);
+    ExpectEmpty();
+    EXPECT_EQ(jvm.calls("GetByteArrayElements"), 0u);
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray({0x01, 0x07, 0x00}), 3, 1), JNI_FALSE);
+    ExpectEmpty();
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray({}), 0, 1), JNI_FALSE);
+    ExpectEmpty();
+}
+
+TEST_F(TqomacpJniSession, MacIsCopiedWithoutItsZero) {
+    std::vector<uint8_t> pdu = {0x01, 0x06, 0x0B, 0xB6, 0x91, 0x81, 0x92};
+    for (char c : std::string("ABCDEF")) pdu.push_back(static_cast<uint8_t>(c));
+    pdu.push_back(0);
+    pdu.push_back(0xAA);
+    pdu.push_back(0x55);  // body
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray(pdu), static_cast<jlong>(pdu.size()), 1),
+              JNI_TRUE);
+    EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), 6);
+    EXPECT_EQ(jvm.bytes(jni_tqomacp_GetParserMAC(env, nullptr)),
+              (std::vector<uint8_t>{'A', 'B', 'C', 'D', 'E', 'F'}));
+    EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), 0x81);
+    jni_tqomacp_parser_del(env, nullptr);
+    EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
+}
+
+TEST_F(TqomacpJniSession, FullParseThenReleaseKeepsOnlyTheBodyCopy) {
+    const std::vector<unsigned char> pdu = corpus::Read("ws-bank-userpin.pdu");
+    ASSERT_FALSE(pdu.empty());
+    jbyteArray array = jvm.newByteArray(pdu.data(), pdu.size());
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, static_cast<jlong>(pdu.size()), 0), JNI_TRUE);
+    ASSERT_NE(ptCtx, nullptr);
+    EXPECT_EQ(jni_tqomacp_GetPxNapDefCount(env, nullptr), 1);
+    EXPECT_EQ(jvm.string(jni_tqomacp_GetPxBearerData(env, nullptr, 1, 1)), "GSM-CSD");
+    jni_tqomacp_parser_del(env, nullptr);
+    EXPECT_EQ(ptCtx, nullptr);
+    ExpectEmpty();
+    EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
+}
+
+TEST_F(TqomacpJniSession, RejectedBodyReleasesTheRecordOnce) {
+    // A push whose body is not a provisioning document (public id 0x01).
+    const std::vector<uint8_t> pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x01, 0x6A, 0x00, 0x45, 0x01};
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray(pdu), static_cast<jlong>(pdu.size()), 0),
+              JNI_FALSE);
+    EXPECT_EQ(ptCtx, nullptr);
+    ExpectEmpty();
+    jni_tqomacp_parser_del(env, nullptr);  // nothing left to free twice
+    EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
+}
+
+}  // namespace
