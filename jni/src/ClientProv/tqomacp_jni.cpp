@@ -14,9 +14,6 @@
 
 static const char kUnitPath[] = "jni/src/ClientProv/tqomacp_jni";
 
-// Declared here until the decoder header carries it.
-extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
-
 tqsClientProvCtx *ptCtx = nullptr;
 
 namespace {
