@@ -417,6 +417,16 @@ TEST_F(TqomacpJniGetters, ProxyDataIsNeverNull) {
     EXPECT_EQ(jni_tqomacp_GetPxPhysicalData(env, nullptr, 1, 1), nullptr);
 }
 
+TEST_F(TqomacpJniGetters, NoArrayWithoutTheStringClass) {
+    auto boot = ctx.Chain(&ctx.root->ptBootstrap, 1);
+    boot[0]->pszName = ctx.Str("boot");
+    jvm.hideClass("java/lang/String");
+    EXPECT_EQ(jni_tqomacp_GetBootstrapData(env, nullptr, 1), nullptr);
+    EXPECT_EQ(jni_tqomacp_GetProxyData(env, nullptr, 1), nullptr);
+    EXPECT_EQ(jvm.calls("NewObjectArray"), 0u);
+    EXPECT_EQ(jvm.pendingException(), "java/lang/NoClassDefFoundError");
+}
+
 // Every count and data getter walks the same way: 1-based, nothing for 0,
 // negative or past the end, and nothing at all without a published context.
 TEST_F(TqomacpJniGetters, EveryWalkIsBoundedAndNeedsAContext) {
