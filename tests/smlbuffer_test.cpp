@@ -242,7 +242,9 @@ TEST(SmlBuffer, Duplicate) {
     EXPECT_EQ(copy->pHead - copy->pBase, 3);
     EXPECT_EQ(copy->pTail - copy->pBase, 10);
     EXPECT_EQ(Data(copy), Data(source));
-    EXPECT_EQ(smlBufferDuplicate(&copy, nullptr), TQS_ERROR_BUFFER_NULL);
+    SmlBuffer *none = copy;
+    EXPECT_EQ(smlBufferDuplicate(&none, nullptr), TQS_ERROR_BUFFER_NULL);
+    EXPECT_EQ(none, nullptr);  // out-parameters read null after a failure
     smlBufferDelete(copy);
     smlBufferDelete(source);
 }

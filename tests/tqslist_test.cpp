@@ -230,6 +230,25 @@ TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
     tqsMemFree_debug(second);
 }
 
+TEST(TqsList, TakingFromACursorOnADroppedNodeLeavesTheChainAlone) {
+    MemCheck check;
+    TqsList *list = ListOf({0, 1, 2, 3});
+    TqsListNode *second = list->ptHead->ptNext;
+    tqsListSetCurNodeFirst(list);
+    void *item = nullptr;
+    ASSERT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 2), TQS_OK);
+    // The cursor's node is no longer in the chain: it is taken and freed, the head stays.
+    EXPECT_EQ(tqsListGetItemNextAndDeleteNode(list, &item), TQS_OK);
+    EXPECT_EQ(item, Item(0));
+    EXPECT_EQ(list->ptHead->pItem, Item(3));
+    EXPECT_EQ(list->ptHead->ptNext, nullptr);
+    EXPECT_EQ(tqsListGetCount(list), 2u);
+    EXPECT_EQ(list->ptCur, second);
+    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+    EXPECT_EQ(check.Live().size(), 1u);  // the other dropped node
+    tqsMemFree_debug(second);
+}
+
 TEST(TqsList, LongChainsNeedNoRecursion) {
     TqsList *list = nullptr;
     ASSERT_EQ(tqsListCreate(&list, nullptr), TQS_OK);

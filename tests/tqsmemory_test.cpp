@@ -117,6 +117,19 @@ TEST(TqsMemory, FullTableLeavesFurtherBlocksUntracked) {
     EXPECT_EQ(tqsMemGetIndex(), nullptr);
 }
 
+TEST(TqsMemory, TrackingWithoutATableLeavesBlocksUntracked) {
+    // The state a failed table allocation of tqsMemStartMemCheck leaves behind.
+    bMemCheck = 1;
+    ASSERT_EQ(ptMemCheckTable, nullptr);
+    CaptureStdout();
+    void *block = tqsMemAlloc_debug(4, kFile, 1);
+    tqsMemFree_debug(block);
+    tqsMemEndMemCheck();
+    EXPECT_EQ(GetCapturedStdout(),
+              "[syncml] MEMCHECK Not Found Empty Index\n[syncml] MEMCHECK Not Found Address \n");
+    EXPECT_EQ(bMemCheck, 0);
+}
+
 TEST(TqsMemory, ReAlloc) {
     MemCheck check;
     auto *old = static_cast<unsigned char *>(tqsMemAlloc_debug(8, kFile, 1));

@@ -174,6 +174,11 @@ TEST(TqsString, Ucs2Conversion) {
     EXPECT_EQ(std::string(narrow, 3), std::string("Ab\0", 3));
 }
 
+// Runs before any other tokenising call of this program: no position is saved yet.
+TEST(TqsString, StrtokWithoutSavedPositionGivesNull) {
+    EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);
+}
+
 TEST(TqsString, Strtok) {
     char text[] = ",,alpha, beta,,gamma,";
     std::vector<std::string> tokens;

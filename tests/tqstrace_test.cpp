@@ -110,13 +110,29 @@ TEST(TqcTrace, OversizedInputsAreBounded) {
     tqcTraceString(format.c_str(), "v");
     EXPECT_EQ(trace.lines(), Lines{"[Syncml] " + std::string(300, 'f') + "v\n"});
 
-    // A dump larger than _szBuffer holds is cut at whole lines.
-    trace.Clear();
-    std::vector<unsigned char> big(20000, 'z');
-    tqcTraceDump22(big.data(), static_cast<uint32_t>(big.size()));
-    ASSERT_EQ(trace.lines().size(), 1u);
-    EXPECT_LT(trace.lines()[0].size(), TQC_DUMP_BUFFER_SIZE);
-    EXPECT_GT(trace.lines()[0].size(), TQC_DUMP_BUFFER_SIZE - 200);
+    // tqcTraceDump22 dumps every byte whose dump fits _szBuffer (7421 bytes
+    // fill it to the last character) and stops there for longer data.
+    struct Case {
+        uint32_t length;
+        size_t lineSize;
+    } cases[] = {
+        {7410, 4 * 7410 + 5 * 463},
+        {7421, TQC_DUMP_BUFFER_SIZE - 1},
+        {7422, TQC_DUMP_BUFFER_SIZE - 1},
+        {20000, TQC_DUMP_BUFFER_SIZE - 1},
+    };
+    std::vector<unsigned char> big(20000);
+    for (size_t i = 0; i < big.size(); ++i) big[i] = static_cast<unsigned char>('a' + i % 26);
+    for (const Case &c : cases) {
+        trace.Clear();
+        tqcTraceDump22(big.data(), c.length);
+        ASSERT_EQ(trace.lines().size(), 1u);
+        const std::string &line = trace.lines()[0];
+        EXPECT_EQ(line.size(), c.lineSize) << c.length;
+        // The last dumped byte ends the column.
+        uint32_t last = c.length < 7421 ? c.length - 1 : 7420;
+        EXPECT_EQ(line.back(), static_cast<char>(big[last])) << c.length;
+    }
 }
 
 // Blocks of the trace unit alive while the sink runs, as "line:size".

@@ -46,6 +46,7 @@ TqsResult smlBufferInit(SmlBuffer *buffer) {
 }
 
 TqsResult smlBufferCreate(SmlBuffer **out, uint32_t capacity) {
+    *out = nullptr;  // out-parameters read null on every failure
     SmlBuffer *buffer = NewRecord(kLineRecord);
     if (buffer == nullptr) return TQS_ERROR_MEMORY;
     unsigned char *storage = NewStorage(uint64_t{capacity} + 1, kLineStorage);
@@ -61,6 +62,7 @@ TqsResult smlBufferCreate(SmlBuffer **out, uint32_t capacity) {
 }
 
 TqsResult smlBufferCreateOutsideBuf(SmlBuffer **out, unsigned char *storage, uint32_t size) {
+    *out = nullptr;
     SmlBuffer *buffer = NewRecord(kLineOutsideRecord);
     if (buffer == nullptr) return TQS_ERROR_MEMORY;
     buffer->bOutside = 1;
@@ -72,6 +74,7 @@ TqsResult smlBufferCreateOutsideBuf(SmlBuffer **out, unsigned char *storage, uin
 }
 
 TqsResult smlBufferDuplicate(SmlBuffer **out, const SmlBuffer *source) {
+    *out = nullptr;
     if (source == nullptr) return TQS_ERROR_BUFFER_NULL;
     SmlBuffer *copy = nullptr;
     // A failed creation would be written through null: report it instead.
@@ -147,9 +150,12 @@ TqsResult smlBufferInsertHead(SmlBuffer *buffer, const void *data, uint32_t leng
                 return result;
             }
         }
-        // An untested scratch allocation that failed has nothing to copy from.
-        if (scratch == nullptr) return TQS_ERROR_MEMORY;
-        tqsMemCpy(buffer->pHead + length, scratch, dataSize);
+        // Without the (untested) scratch block an overlapping move does the same job.
+        if (scratch != nullptr) {
+            tqsMemCpy(buffer->pHead + length, scratch, dataSize);
+        } else {
+            tqsMemMove(buffer->pHead + length, buffer->pHead, dataSize);
+        }
         buffer->pTail += length;
     } else {
         buffer->pHead -= length;

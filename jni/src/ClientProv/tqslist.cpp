@@ -79,9 +79,9 @@ void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
     if (list->ptCur == node) list->ptCur = node->ptNext;
     if (previous != nullptr) {
         previous->ptNext = node->ptNext;
-    } else {
+    } else if (list->ptHead == node) {
         list->ptHead = node->ptNext;
-    }
+    }  // else: a node already dropped from the chain; the chain stays as it is
     tqsMemFree_debug(node);
     list->nCount--;
 }
@@ -155,6 +155,7 @@ TqsResult tqsListDeleteNodeFirst(TqsList *list, TqsListReleaseFn release) {
     TqsListNode *head = list->ptHead;
     if (head == nullptr) return TQS_OK;
     ReleaseItem(head, release);
+    // A cursor left on the freed head would be read after free: Unlink moves it on.
     Unlink(list, nullptr, head);
     return TQS_OK;
 }
@@ -216,6 +217,8 @@ TqsResult tqsListGetItemNextAndDeleteNode(TqsList *list, void **out) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     TqsListNode *node = list->ptCur;
     if (list->ptHead == nullptr || node == nullptr) return TQS_OK;
+    // A cursor left on a node that tqsListGetItemIndexAndDeleteNode dropped has
+    // no previous node in the chain (the walk would run off its end).
     TqsListNode *previous = (node == list->ptHead) ? nullptr : Previous(list, node);
     *out = node->pItem;
     Unlink(list, previous, node);
@@ -236,6 +239,7 @@ TqsResult tqsListGetItemIndexAndDeleteNode(TqsList *list, void **out, uint32_t i
     // dropped node is linked past the freed one, so that a cursor still on a
     // dropped node walks on into the list instead of into freed memory.
     if (index > 0) Walk(list, index - 1)->ptNext = node->ptNext;
+    list->ptHead = node;  // then unlinked as the head
     Unlink(list, nullptr, node);
     return TQS_OK;
 }

@@ -31,7 +31,7 @@ TqsResult tqsListCreate(TqsList **out, void *item);
 TqsResult tqsListAddNodeLast(TqsList *list, void *item);
 TqsResult tqsListAddNodeFirst(TqsList *list, void *item);
 TqsResult tqsListDeleteNodeFindItem(TqsList *list, void *item, TqsListReleaseFn release);
-// Leaves the cursor alone, even when it stood on the removed head.
+// A cursor on the removed head moves to the new head (it is never left on freed memory).
 TqsResult tqsListDeleteNodeFirst(TqsList *list, TqsListReleaseFn release);
 TqsResult tqsListDeleteNodeAll(TqsList *list, TqsListReleaseFn release);
 TqsResult tqsListDeleteNodeAllAndList(TqsList *list, TqsListReleaseFn release);

@@ -104,9 +104,9 @@ void tqsMemFree_debug(void *block) {
 
 void tqsMemStartMemCheck(void) {
     ptMemCheckTable = static_cast<MemCheckEntry *>(malloc(TQS_MEMCHECK_ENTRIES * sizeof(MemCheckEntry)));
-    // Deliberately unchecked, as the tracker has always been; a host that
-    // cannot get 64000 bytes has bigger problems.
-    memset(ptMemCheckTable, 0, TQS_MEMCHECK_ENTRIES * sizeof(MemCheckEntry));
+    // A failed table allocation is not reported: tracking goes on without a
+    // table (every block untracked), as zeroing through null would be undefined.
+    if (ptMemCheckTable != nullptr) memset(ptMemCheckTable, 0, TQS_MEMCHECK_ENTRIES * sizeof(MemCheckEntry));
     bMemCheck = 1;
 }
 

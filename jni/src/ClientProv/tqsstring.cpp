@@ -183,7 +183,7 @@ int64_t tqsStrAtol(const char *s) {
             return 0;
         }
     }
-    // Unsigned arithmetic: wraps like the original 64-bit loop, without UB.
+    // Overflow wraps modulo 2^64 (unsigned arithmetic: a signed overflow would be undefined).
     uint64_t value = 0;
     for (; *s >= '0' && *s <= '9'; ++s) value = value * 10 + static_cast<uint64_t>(*s - '0');
     return static_cast<int64_t>(negative ? 0 - value : value);

@@ -55,6 +55,23 @@ void Format(char *out, uint32_t size, const char *format, ...) {
     va_end(args);
 }
 
+// Characters of tqsStrBinaryDump's text for n bytes, with its zero: three
+// hex characters and one column character per byte, five ("   " and CR LF)
+// between lines.
+constexpr uint64_t BinaryDumpSize(uint64_t n) {
+    return n == 0 ? 1 : 4 * n + 5 * ((n - 1) / kDumpBytesPerLine) + 1;
+}
+
+// Most bytes whose dump fits _szBuffer; longer data would overflow it and
+// are dumped only that far.
+constexpr uint32_t MaxDumpBytes(uint32_t size) {
+    uint32_t n = 0;
+    while (BinaryDumpSize(n + 1) <= size) ++n;
+    return n;
+}
+constexpr uint32_t kMaxDump22Bytes = MaxDumpBytes(TQC_DUMP_BUFFER_SIZE);
+static_assert(kMaxDump22Bytes == 7421, "a 32000-byte _szBuffer holds the dump of 7421 bytes");
+
 }  // namespace
 
 extern "C" {
@@ -165,10 +182,7 @@ void tqcTraceDump(const char *title, const unsigned char *data, uint32_t length)
 
 void tqcTraceDump22(const unsigned char *data, uint32_t length) {
     if (Off()) return;
-    // A full dump line takes 69 characters (16 hex triples, three blanks, 16
-    // column characters, CR LF); longer data are dumped as far as _szBuffer holds.
-    static const uint32_t kMaxDumpBytes = (TQC_DUMP_BUFFER_SIZE - 1) / 69 * kDumpBytesPerLine;
-    tqsStrBinaryDump(_szBuffer, data, length < kMaxDumpBytes ? length : kMaxDumpBytes);
+    tqsStrBinaryDump(_szBuffer, data, length < kMaxDump22Bytes ? length : kMaxDump22Bytes);
     tqcTraceWrite(_szBuffer);
 }
 
