@@ -25,6 +25,33 @@
 #include "trace_capture.h"
 #include "wbxml_builder.h"
 
+// ---- allocation failures -----------------------------------------------------
+// Outside the sanitizer builds (whose runtime owns malloc) the test replaces
+// malloc to make chosen allocations fail.
+#if defined(__SANITIZE_ADDRESS__)
+#define CTX_TEST_FAILING_MALLOC 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define CTX_TEST_FAILING_MALLOC 0
+#endif
+#endif
+#ifndef CTX_TEST_FAILING_MALLOC
+#define CTX_TEST_FAILING_MALLOC 1
+#endif
+
+namespace {
+long gFailAt = -1;      // number of the allocation to fail, counted from 0 while armed
+long gAllocations = 0;  // allocations seen while armed
+}  // namespace
+
+#if CTX_TEST_FAILING_MALLOC
+extern "C" void *__libc_malloc(size_t size);
+extern "C" void *malloc(size_t size) {
+    if (gFailAt >= 0 && gAllocations++ == gFailAt) return nullptr;
+    return __libc_malloc(size);
+}
+#endif
+
 namespace {
 
 using wbxml::Builder;
@@ -570,6 +597,10 @@ TEST_F(CtxTest, DistributorsAcceptOnlyTheirChildSlots) {
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
+        // A null parent: error 2 and nothing converted.
+        const size_t live = LiveBlocks().size();
+        EXPECT_EQ(c.distribute(CharList({child(std::get<0>(c.accepted[0]))}), nullptr), 2u);
+        EXPECT_EQ(LiveBlocks().size(), live + 4);  // just the list, its node, the child and its record
         for (Slot slot = 0; slot < 17; ++slot) {
             size_t chain = SIZE_MAX, childFields = 0;
             for (auto [s, field, n] : c.accepted)
@@ -627,6 +658,8 @@ TEST_F(CtxTest, ApplicationChildrenKeepDocumentOrderPerChain) {
     tqsClientProvCtxDelectContextApplication(ctx);
 }
 
+std::vector<Block> ContextBlocks();
+
 // ==== release ============================================================================================
 
 TEST_F(CtxTest, ReleasingNullTracesErrorTwoAndNothingElse) {
@@ -634,6 +667,34 @@ TEST_F(CtxTest, ReleasingNullTracesErrorTwoAndNothingElse) {
     tqsClientProvCtxDelectContext(nullptr);
     EXPECT_EQ(trace.Count("[Syncml] ERROR : 2\n"), 1u);
     EXPECT_EQ(trace.lines().size(), 2u) << trace.Joined();
+}
+
+// Chains are released in a loop, but the trace reads as one call per record:
+// each record's name, then its lists, then the next record.
+TEST_F(CtxTest, ReleaseTracesTheRoutineOncePerRecordInChainOrder) {
+    auto *wap = New<tqsWapAppAddr>();
+    wap->ptCharacterList = CharList(
+        {Char(&tqsWapCharacter::ptPort, Port("1", {"a", "b"})), Char(&tqsWapCharacter::ptPort, Port("2"))});
+    tqsCtxAppAddr *addr = tqsClientProvCtxVerifyContextAppAddr(wap);
+    ASSERT_NE(addr, nullptr);
+    TraceCapture trace;
+    tqsClientProvCtxDelectContextAppAddr(addr);
+    const std::vector<std::string> expected = {
+        "[Syncml] tqsClientProvCtxDelectContextAppAddr()\n",
+        "[Syncml] tqsClientProvCtxDelectContextPort()\n",
+        "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
+        "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
+        "[Syncml] tqsClientProvCtxDelectContextPort()\n",
+    };
+    EXPECT_EQ(trace.lines(), expected);
+}
+
+TEST_F(CtxTest, VerifyWithoutAPlaceForTheResultBuildsNothing) {
+    TqsList *list = CharList({Char(&tqsWapCharacter::ptNapDef, New<tqsWapNapDef>())});
+    TraceCapture trace;
+    EXPECT_EQ(tqsClientProvCtxVerifyContext(list, nullptr), 2u);
+    EXPECT_TRUE(trace.Contains("[Syncml] ERROR : 2\n")) << trace.Joined();
+    EXPECT_TRUE(ContextBlocks().empty());
 }
 
 // Blocks of the context unit still live.
@@ -923,6 +984,38 @@ TEST_F(CtxTest, ReportListsOnlyTheKeptBlocks) {
         EXPECT_EQ(context, c.context);
         EXPECT_EQ(tree, c.tree);
     }
+}
+
+// Every allocation of a conversion fails in turn: construction and release
+// never write through null. The first one is the root: no context, status 1.
+TEST_F(CtxTest, EachFailedAllocationLeavesAConsistentContext) {
+    if (!CTX_TEST_FAILING_MALLOC) GTEST_SKIP() << "malloc belongs to the sanitizer runtime";
+    const std::vector<uint8_t> body = RichDocument();
+    tqsWbxmlDecoder *decoder = nullptr;
+    ASSERT_EQ(tqsClientProvWbxmlInitDecoder(&decoder, body.data(), uint32_t(body.size())), 0u);
+    tqsWapDoc *doc = nullptr;
+    ASSERT_EQ(tqsClientProvWbxmlDecoder(decoder, &doc), 0u);
+    tqsClientProvWbxmlDeleteDecoder(decoder);
+    long failed = 0;
+    for (long n = 0;; ++n) {
+        gAllocations = 0;
+        gFailAt = n;
+        tqsClientProvCtx *ctx = nullptr;
+        const uint32_t status = tqsClientProvCtxVerifyContext(doc->ptCharacterList, &ctx);
+        gFailAt = -1;
+        if (n == 0) {
+            EXPECT_EQ(status, 1u);
+            EXPECT_EQ(ctx, nullptr);
+        } else {
+            EXPECT_EQ(status, 0u) << n;
+            EXPECT_NE(ctx, nullptr) << n;
+        }
+        tqsClientProvCtxDelectContext(ctx);
+        if (gAllocations <= n) break;  // this run met no failure: every allocation has been tried
+        ++failed;
+    }
+    EXPECT_GT(failed, 50);  // the sweep did run through the document
+    tqsClientProvWbxmlDeleteWapDoc(doc);
 }
 
 // ==== long chains on a small stack

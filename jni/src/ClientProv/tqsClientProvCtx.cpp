@@ -191,6 +191,10 @@ constexpr uint8_t kMaxChildSlots = 4;
 
 uint32_t Distribute(const char *name, TqsList *children, void *parent, Rows<ChildSlot> slots) {
     tqcTraceFunction(name);
+    if (parent == nullptr) {  // nowhere to append: error 2 instead of writes through null
+        tqcTraceError(TQS_ERROR_MISSING);
+        return TQS_ERROR_MISSING;
+    }
     ChainTail tails[kMaxChildSlots];
     uint32_t result = TQS_OK;
     tqsListSetCurNodeFirst(children);
@@ -237,13 +241,16 @@ void *ConvertRecord(const char *name, const void *wap, const ConvertDesc &d) {
     return rec;
 }
 
+// The release loops trace the routine's name once per record, as a call per
+// record would.
 void ReleaseStrChain(const char *name, tqsCtxStrNode *node) {
-    tqcTraceFunction(name);
     if (node == nullptr) {
+        tqcTraceFunction(name);
         tqcTraceError(TQS_ERROR_MISSING);
         return;
     }
     while (node != nullptr) {
+        tqcTraceFunction(name);
         tqsCtxStrNode *next = node->ptNext;
         tqsMemFree_debug(node->pszStr);
         node->pszStr = nullptr;
@@ -254,12 +261,13 @@ void ReleaseStrChain(const char *name, tqsCtxStrNode *node) {
 
 // Releases a record and the rest of its chain, one record per turn of the loop.
 void ReleaseChain(const char *name, void *rec, const ReleaseDesc &d) {
-    tqcTraceFunction(name);
     if (rec == nullptr) {
+        tqcTraceFunction(name);
         tqcTraceError(TQS_ERROR_MISSING);
         return;
     }
     while (rec != nullptr) {
+        tqcTraceFunction(name);
         for (uint8_t i = 0; i < d.strings.count; ++i) {
             const Offset f = d.strings.row[i];
             void *text = Load(rec, f);
@@ -623,7 +631,8 @@ extern "C" tqsClientProvCtx *tqsClientProvCtxMakeContext(tqsWapDoc *ptWapDoc) {
 extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsClientProvCtx **pptCtx) {
     tqcTraceFunction(__func__);
     if (pptCtx != nullptr) *pptCtx = nullptr;
-    if (ptCharacterList == nullptr) {
+    // No place for the result: refused like a missing list, rather than a root built only to leak.
+    if (ptCharacterList == nullptr || pptCtx == nullptr) {
         tqcTraceError(TQS_ERROR_MISSING);
         return TQS_ERROR_MISSING;
     }
@@ -659,7 +668,7 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
             }
         }
     }
-    if (pptCtx != nullptr) *pptCtx = ptRoot;
+    *pptCtx = ptRoot;
     tqcTraceError(TQS_OK);
     return TQS_OK;
 }
@@ -689,10 +698,11 @@ extern "C" tqsCtxNapDef *tqsClientProvCtxVerifyContextNapdef(const tqsWapNapDef 
 extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqsWapNapAuthInfo *ptWap) {
     tqsCtxNapAuthInfo *ptCtx = Convert<tqsCtxNapAuthInfo>(__func__, ptWap, napauthinfo::kConvert);
     if (ptCtx != nullptr) {
-        // An AUTH-ENTITY parm without value leaves an empty chain: trace "(null)".
+        // An AUTH-ENTITY parm without value leaves an empty chain (and a failed copy a null
+        // string): trace "(null)".
         const tqsCtxStrNode *ptFirst = ptCtx->ptAuthEntity;
         tqcTrace("NAP:ptCtx->ptAuthEntity->pAuthEntity[%s]",
-                 ptFirst != nullptr ? ptFirst->pAuthEntity : "(null)");
+                 ptFirst != nullptr && ptFirst->pAuthEntity != nullptr ? ptFirst->pAuthEntity : "(null)");
     }
     return ptCtx;
 }

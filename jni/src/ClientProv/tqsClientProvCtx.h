@@ -292,8 +292,9 @@ tqsClientProvCtx *tqsClientProvCtxMakeContext(tqsWapDoc *ptWapDoc);
 
 /*
  * Converts the top-level characteristic list into a new root stored in
- * *pptCtx. Returns 0, 2 for a null list, or the list's own status; *pptCtx is
- * null on every failure.
+ * *pptCtx. Returns 0; 2 for a null list or a null pptCtx; 1 when the root
+ * cannot be allocated; or the list's own status. *pptCtx is null on every
+ * failure.
  */
 uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsClientProvCtx **pptCtx);
 
@@ -338,7 +339,7 @@ tqsCtxStrNode *tqsClientProvCtxVerifyContextDomainList(TqsList *ptList);
  * Child distributors: convert the tqsWapCharacter items of a child list into
  * the parent's typed chains. Return 0, or 1 when a child of a type the parent
  * cannot hold ended the walk ("[WARNING] Not Support Context"); the children
- * appended before it stay.
+ * appended before it stay. A null parent gets 2 and nothing is converted.
  */
 uint32_t tqsClientProvCtxVerifyCharacterPxLogical(TqsList *ptCharacterList, tqsCtxPxLogical *ptParent);
 uint32_t tqsClientProvCtxVerifyCharacterPxPhysical(TqsList *ptCharacterList, tqsCtxPxPhysical *ptParent);
