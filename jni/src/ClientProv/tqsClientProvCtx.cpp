@@ -511,10 +511,13 @@ constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
 namespace application {
 using W = tqsWapApplication;
 using C = tqsCtxApplication;
-constexpr FieldPair kCopy[] = {SAME(pszAppId),        SAME(pszProviderId),     SAME(pszFrom),
-                               SAME(pszName),         SAME(pszAAccept),        SAME(pszAProtocol),
-                               SAME(pszInternet),     SAME(pszXcapAuidDcs),    SAME(pszXcapAuidPms),
-                               SAME(pszXcapAuidCdms), SAME(pszXcapImeiHeader), SAME(pszXcapTidHeader)};
+// clang-format off
+constexpr FieldPair kCopy[] = {
+    SAME(pszAppId), SAME(pszProviderId),
+    SAME(pszFrom), SAME(pszFrom),  // copied twice: the second copy replaces the first, which stays allocated
+    SAME(pszName), SAME(pszAAccept), SAME(pszAProtocol), SAME(pszInternet), SAME(pszXcapAuidDcs),
+    SAME(pszXcapAuidPms), SAME(pszXcapAuidCdms), SAME(pszXcapImeiHeader), SAME(pszXcapTidHeader)};
+// clang-format on
 constexpr ListRow kLists[] = {LIST(ptToProxyList, ptToProxy, tqsClientProvCtxVerifyContextToProxyList),
                               LIST(ptToNapIdList, ptToNapId, tqsClientProvCtxVerifyContextToNapIdList),
                               LIST(ptAddrList, ptToAddr, tqsClientProvCtxVerifyContextToAddrList)};
@@ -724,10 +727,7 @@ extern "C" tqsCtxVenderConfig *tqsClientProvCtxVerifyContextVenderConfig(const t
 }
 
 extern "C" tqsCtxApplication *tqsClientProvCtxVerifyContextApplication(const tqsWapApplication *ptWap) {
-    tqsCtxApplication *ptCtx = Convert<tqsCtxApplication>(__func__, ptWap, application::kConvert);
-    // pszFrom is copied a second time over the first copy, which stays allocated (kept so).
-    if (ptCtx != nullptr && ptWap->pszFrom != nullptr) ptCtx->pszFrom = Copy(ptWap->pszFrom);
-    return ptCtx;
+    return Convert<tqsCtxApplication>(__func__, ptWap, application::kConvert);
 }
 
 extern "C" tqsCtxAppAddr *tqsClientProvCtxVerifyContextAppAddr(const tqsWapAppAddr *ptWap) {
