@@ -13,9 +13,6 @@
 #include "tqsmemory.h"
 #include "tqspushhandler.h"
 
-// Declared here until a library header carries it (the binding declares it the same way).
-extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
-
 int main(int argc, char **argv) {
     const std::string which = argc > 1 ? argv[1] : "typical";
     const long count = argc > 2 ? strtol(argv[2], nullptr, 10) : 1000;

@@ -31,9 +31,6 @@
 #include "tqomacp_jni.h"
 #include "tqstrace.h"
 
-// Declared here until a library header carries it (the binding declares it the same way).
-extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
-
 namespace {
 
 using bench::Sample;
