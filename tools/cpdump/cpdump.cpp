@@ -18,9 +18,6 @@
 #include "tqstrace.h"
 #include "verdict.h"
 
-// TEMPORARY until the decoder header declares the decoder main.
-extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *pBody, uint32_t nLength);
-
 #ifndef CPDUMP_VERSION
 #define CPDUMP_VERSION "dev"
 #endif
@@ -112,19 +109,24 @@ void TraceToStderr(const char *line) {
     if (n == 0 || line[n - 1] != '\n') std::fputc('\n', stderr);
 }
 
-// Keeps the library's trace quiet while the tool runs decoder pieces of its own
-// (header facts, failure diagnosis), so --trace shows the pipeline alone.
-class QuietTrace {
+// The tool's own runs of decoder pieces (header facts, failure diagnosis) stay
+// out of what the options show: no trace lines, and no blocks in the leak
+// report (tracking is paused, so what the decoder keeps on purpose is not
+// counted twice).
+class ToolSide {
    public:
-    explicit QuietTrace(bool tracing) : tracing_(tracing) {
+    explicit ToolSide(bool tracing) : tracing_(tracing), tracking_(bMemCheck) {
         if (tracing_) tqcTraceSetSink(nullptr);
+        bMemCheck = 0;
     }
-    ~QuietTrace() {
+    ~ToolSide() {
+        bMemCheck = tracking_;
         if (tracing_) tqcTraceSetSink(TraceToStderr);
     }
 
    private:
     bool tracing_;
+    unsigned char tracking_;
 };
 
 // Where the tool's own output goes. The leak tracker prints with printf; with
@@ -154,27 +156,30 @@ class Output {
     int fd_ = STDOUT_FILENO;
 };
 
-// Runs the decoder pieces on a copy of the body to learn the WBXML header and
-// the decoder's verdict; the pipeline's own result stays authoritative.
-WbxmlFacts InspectBody(const unsigned char *body, std::uint32_t length) {
+// Reads the WBXML header of a body with the decoder's own reader.
+WbxmlFacts ReadWbxmlHeader(const unsigned char *body, std::uint32_t length) {
     WbxmlFacts facts;
     tqsWbxmlDecoder *decoder = nullptr;
-    if (tqsClientProvWbxmlInitDecoder(&decoder, body, length) == TQS_OK && decoder != nullptr) {
-        facts.header_ok = tqsClientProvWbxmlDecoderWbxmlHeader(decoder, &facts.version, &facts.public_id,
-                                                               &facts.charset) == TQS_OK;
-        facts.string_table_length = decoder->nStrSize;
-        if (facts.public_id == 0 && decoder->pStringTable != nullptr) {
-            facts.literal = reinterpret_cast<const char *>(decoder->pStringTable);
-        }
-        tqsClientProvWbxmlDeleteDecoder(decoder);
+    if (tqsClientProvWbxmlInitDecoder(&decoder, body, length) != TQS_OK || decoder == nullptr) return facts;
+    facts.header_ok = tqsClientProvWbxmlDecoderWbxmlHeader(decoder, &facts.version, &facts.public_id,
+                                                           &facts.charset) == TQS_OK;
+    facts.string_table_length = decoder->nStrSize;
+    if (facts.public_id == 0 && decoder->pStringTable != nullptr) {
+        facts.literal = reinterpret_cast<const char *>(decoder->pStringTable);
     }
-    decoder = nullptr;
-    tqsWapDoc *doc = nullptr;
-    facts.status = tqsClientProvWbxmlInitDecoder(&decoder, body, length);
-    if (facts.status == TQS_OK) facts.status = tqsClientProvWbxmlDecoder(decoder, &doc);
-    tqsClientProvWbxmlDeleteWapDoc(doc);
     tqsClientProvWbxmlDeleteDecoder(decoder);
     return facts;
+}
+
+// Decodes a body into a tree and back out, for the decoder's verdict.
+void Redecode(const unsigned char *body, std::uint32_t length, WbxmlFacts *facts) {
+    tqsWbxmlDecoder *decoder = nullptr;
+    tqsWapDoc *doc = nullptr;
+    facts->status = tqsClientProvWbxmlInitDecoder(&decoder, body, length);
+    if (facts->status == TQS_OK) facts->status = tqsClientProvWbxmlDecoder(decoder, &doc);
+    facts->empty_document = doc == nullptr || doc->ptCharacterList == nullptr;
+    tqsClientProvWbxmlDeleteWapDoc(doc);
+    tqsClientProvWbxmlDeleteDecoder(decoder);
 }
 
 void WriteHeaderJson(JsonWriter &json, const SmlPushHeader &h) {
@@ -262,12 +267,12 @@ class Run {
     int DecodePipeline(JsonWriter &json, const std::string *text, const unsigned char *body,
                        std::uint32_t length) {
         tqsClientProvCtx *ctx = tqsClinetProvWbxmlDecoderMain(body, length);
-        WbxmlFacts facts;
-        {
-            QuietTrace quiet(o_.trace);
-            facts = InspectBody(body, length);
+        ToolSide tool_side(o_.trace);
+        WbxmlFacts facts = ReadWbxmlHeader(body, length);
+        if (ctx == nullptr) {
+            Redecode(body, length, &facts);
+            return Reject(ExplainBodyRejection(facts));
         }
-        if (ctx == nullptr) return Reject(ExplainBodyRejection(facts));
         WriteWbxmlJson(json, facts);
         WriteContextJson(json, *ctx);
         json.EndObject();
@@ -288,10 +293,14 @@ class Run {
         tqsClientProvCtx *ctx = status == TQS_OK ? tqsClientProvCtxMakeContext(doc) : nullptr;
         std::string xml;
         if (ctx != nullptr) WriteTreeXml(&xml, doc);
+        const bool empty_document = doc == nullptr || doc->ptCharacterList == nullptr;
         tqsClientProvWbxmlDeleteWapDoc(doc);
         if (ctx == nullptr) {
-            QuietTrace quiet(o_.trace);
-            return Reject(ExplainBodyRejection(InspectBody(body, length)));
+            ToolSide tool_side(o_.trace);
+            WbxmlFacts facts = ReadWbxmlHeader(body, length);
+            facts.status = status;
+            facts.empty_document = empty_document;
+            return Reject(ExplainBodyRejection(facts));
         }
         tqsClientProvCtxDelectContext(ctx);
         out_.Write(xml);

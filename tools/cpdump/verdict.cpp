@@ -42,6 +42,7 @@ std::string ExplainBodyRejection(const WbxmlFacts &facts) {
         return why + ")";
     }
     if (facts.status != TQS_OK) return "malformed WBXML (status " + Hex(facts.status, 1) + ")";
+    if (facts.empty_document) return "empty provisioning document (no characteristics)";
     return "the document yields no provisioning context";
 }
 

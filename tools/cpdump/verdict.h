@@ -21,8 +21,9 @@ struct WbxmlFacts {
     std::uint32_t public_id = 0;
     std::uint32_t charset = 0;
     std::uint32_t string_table_length = 0;
-    std::string literal;        // string table start, for a literal public identifier
-    TqsResult status = TQS_OK;  // of the whole decode
+    std::string literal;          // string table start, for a literal public identifier
+    TqsResult status = TQS_OK;    // of the whole decode
+    bool empty_document = false;  // decoded, but without a characteristic list
 };
 
 // Why the header parser refused a PDU.

@@ -1,8 +1,9 @@
 // cpdump as a person runs it: the built binary on corpus samples, every
 // option, every rejection, hex and binary input, and damaged pushes.
 //
-// Golden outputs live in golden/; after a deliberate change of the output,
-// regenerate them with CPDUMP_UPDATE_GOLDEN=1 and review the diff.
+// Golden outputs live in golden/, hand-made inputs in inputs/; after a
+// deliberate change of the output, regenerate the golden files with
+// CPDUMP_UPDATE_GOLDEN=1 and review the diff.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -27,7 +28,8 @@ namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 
 const fs::path kCorpus = CPDUMP_CORPUS_DIR;
-const fs::path kGolden = CPDUMP_GOLDEN_DIR;
+const fs::path kGolden = fs::path(CPDUMP_TEST_DIR) / "golden";
+const fs::path kInputs = fs::path(CPDUMP_TEST_DIR) / "inputs";
 
 std::string ReadText(const fs::path &path) {
     std::ifstream in(path, std::ios::binary);
@@ -73,7 +75,7 @@ class Scratch {
 };
 
 // Runs cpdump with `args`, feeding `in` on standard input.
-Result Run(const std::vector<std::string> &args, const Bytes &in = {}) {
+Result RunCpdump(const std::vector<std::string> &args, const Bytes &in = {}) {
     static Scratch scratch;
     const fs::path in_path = scratch.File("stdin"), out_path = scratch.File("stdout"),
                    err_path = scratch.File("stderr");
@@ -111,6 +113,14 @@ std::string Corpus(const std::string &relative) {
     return (kCorpus / relative).string();
 }
 
+// Golden arguments: options as they are, "inputs/NAME" from the test folder,
+// anything else from the corpus.
+std::string Argument(const std::string &a) {
+    if (a.rfind("--", 0) == 0) return a;
+    if (a.rfind("inputs/", 0) == 0) return (kInputs / a.substr(7)).string();
+    return Corpus(a);
+}
+
 TEST(CorpusIsThere, SamplesCanBeRead) {
     ASSERT_TRUE(fs::exists(kCorpus / "SOURCES.md")) << "corpus expected at " << kCorpus;
 }
@@ -131,8 +141,8 @@ class GoldenOutput : public ::testing::TestWithParam<Golden> {};
 TEST_P(GoldenOutput, MatchesCheckedInOutput) {
     const Golden &g = GetParam();
     std::vector<std::string> args;
-    for (const std::string &a : g.args) args.push_back(a.rfind("--", 0) == 0 ? a : Corpus(a));
-    const Result r = Run(args);
+    for (const std::string &a : g.args) args.push_back(Argument(a));
+    const Result r = RunCpdump(args);
     ASSERT_EQ(r.exit, 0) << r.err;
     EXPECT_EQ(r.err, "");
     const fs::path golden = kGolden / g.name;
@@ -149,26 +159,28 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // Whole PDUs with the sources' own headers.
         Golden{"ws-bank-userpin.json", {"ws-bank-userpin.pdu"}},
-        Golden{"br-claro-portal-charset.json", {"br-claro-portal-charset.pdu"}},
-        Golden{"mihini-dm-bootstrap.json", {"mihini-dm-bootstrap.pdu"}},
-        Golden{"mihini-dm-bootstrap.xml", {"--xml", "mihini-dm-bootstrap.pdu"}},
-        Golden{"vn-mobifone-vtv.json", {"vn-mobifone-vtv.pdu"}},
         Golden{"ws-bank-userpin.header.json", {"--header-only", "ws-bank-userpin.pdu"}},
+        Golden{"br-claro-portal-charset.json", {"br-claro-portal-charset.pdu"}},
+        Golden{"ph-smart-mms-netwpin.json", {"ph-smart-mms-netwpin.pdu"}},
+        Golden{"ph-smart-mms-netwpin.xml", {"--xml", "ph-smart-mms-netwpin.pdu"}},
+        Golden{"vn-mobifone-vtv.json", {"vn-mobifone-vtv.pdu"}},
         // Bodies wrapped into PDUs by the corpus script.
-        Golden{"moz-provcont-appendix-c.json", {"pdus/moz-provcont-appendix-c.mac.pdu"}},
-        Golden{"moz-provcont-appendix-c.xml", {"--xml", "pdus/moz-provcont-appendix-c.pdu"}},
-        Golden{"moz-empty-doc-netwpin.json", {"pdus/moz-empty-doc-netwpin.pdu"}},
+        Golden{"gaia-tef-movistar.json", {"pdus/gaia-tef-movistar.mac.pdu"}},
+        Golden{"gaia-tef-movistar.xml", {"--xml", "pdus/gaia-tef-movistar.pdu"}},
         // Bodies alone.
         Golden{"moz-cht-emome-codepage1.json", {"--body", "moz-cht-emome-codepage1.wbxml"}},
         Golden{"moz-cht-emome-codepage1.xml", {"--body", "--xml", "moz-cht-emome-codepage1.wbxml"}},
         Golden{"sfos-sonera.json", {"--body", "sfos-sonera.wbxml"}},
         Golden{"gaia-tef-yahoo-email.json", {"--body", "gaia-tef-yahoo-email.wbxml"}},
         Golden{"cpc-omadm.json", {"--body", "cpc-omadm.wbxml"}},
-        Golden{"own-wifi-roaming.json", {"--body", "own/wifi-roaming.wbxml"}},
-        Golden{"own-wifi-roaming.xml", {"--body", "--xml", "own/wifi-roaming.wbxml"}},
+        Golden{"letai-mms.json", {"--body", "letai-mms.wbxml"}},
+        Golden{"lg-apn-strtable-auto.json", {"--body", "lg-apn-strtable-auto.wbxml"}},
         Golden{"own-identity-vendor-access.json", {"--body", "own/identity-vendor-access.wbxml"}},
         Golden{"own-identity-vendor-access.xml", {"--xml", "--body", "own/identity-vendor-access.wbxml"}},
         Golden{"own-literal-pubid-opaque.json", {"--body", "own/literal-pubid-opaque.wbxml"}},
+        // Hand-made: WI-FI and ROAMING (the corpus sample with them is refused).
+        Golden{"wifi-roaming-body.json", {"--body", "inputs/wifi-roaming-body.hex"}},
+        Golden{"wifi-roaming-body.xml", {"--body", "--xml", "inputs/wifi-roaming-body.hex"}},
         // The built-in sample.
         Golden{"sample.json", {}}, Golden{"sample.xml", {"--xml"}},
         Golden{"sample.header.json", {"--header-only"}}),
@@ -181,13 +193,13 @@ INSTANTIATE_TEST_SUITE_P(
 // ---- Options ---------------------------------------------------------------
 
 TEST(Options, HelpAndVersion) {
-    Result r = Run({"--help"});
+    Result r = RunCpdump({"--help"});
     EXPECT_EQ(r.exit, 0);
     EXPECT_EQ(r.out.rfind("Usage: cpdump [OPTION]... [FILE|-]\n", 0), 0u) << r.out;
     for (const char *option : {"--header-only", "--body", "--xml", "--trace", "--leaks", "--version"}) {
         EXPECT_NE(r.out.find(option), std::string::npos) << option;
     }
-    r = Run({"--version"});
+    r = RunCpdump({"--version"});
     EXPECT_EQ(r.exit, 0);
     EXPECT_EQ(r.out.rfind("cpdump ", 0), 0u);
     EXPECT_EQ(r.ErrLines(), 0);
@@ -204,20 +216,20 @@ TEST(Options, UsageAndFileErrorsExitWithTwo) {
         {kCorpus.string()},  // a folder
     };
     for (const auto &args : cases) {
-        const Result r = Run(args);
+        const Result r = RunCpdump(args);
         EXPECT_EQ(r.exit, 2) << args[0];
         EXPECT_EQ(r.out, "");
         EXPECT_EQ(r.err.rfind("cpdump: ", 0), 0u) << r.err;
     }
-    const Result odd = Run({"-"}, Bytes{'0', '1', ' ', '0'});
+    const Result odd = RunCpdump({"-"}, Bytes{'0', '1', ' ', '0'});
     EXPECT_EQ(odd.exit, 2);
     EXPECT_NE(odd.err.find("odd number of hex digits"), std::string::npos) << odd.err;
 }
 
 TEST(Options, StandardInputGivesTheSameOutputAsTheFile) {
-    const std::string file = Corpus("vn-viettel-8x85.pdu");
-    const Result from_file = Run({file});
-    const Result from_stdin = Run({"-"}, ReadBytes(file));
+    const std::string file = Corpus("vn-vinaphone-vtv.pdu");
+    const Result from_file = RunCpdump({file});
+    const Result from_stdin = RunCpdump({"-"}, ReadBytes(file));
     ASSERT_EQ(from_file.exit, 0) << from_file.err;
     EXPECT_EQ(from_stdin.exit, 0);
     EXPECT_EQ(from_stdin.out, from_file.out);
@@ -225,8 +237,8 @@ TEST(Options, StandardInputGivesTheSameOutputAsTheFile) {
 
 TEST(Options, TraceGoesToStandardErrorAndLeavesTheOutputAlone) {
     const std::string file = Corpus("ws-bank-userpin.pdu");
-    const Result plain = Run({file});
-    const Result traced = Run({"--trace", file});
+    const Result plain = RunCpdump({file});
+    const Result traced = RunCpdump({"--trace", file});
     ASSERT_EQ(traced.exit, 0);
     EXPECT_EQ(traced.out, plain.out);
     EXPECT_NE(traced.err.find("tqsClinetProvWbxmlDecoderMain"), std::string::npos);
@@ -236,17 +248,22 @@ TEST(Options, TraceGoesToStandardErrorAndLeavesTheOutputAlone) {
 }
 
 TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
-    const Result plain = Run({"--body", Corpus("own/wifi-roaming.wbxml")});
-    const Result r = Run({"--leaks", "--body", Corpus("own/wifi-roaming.wbxml")});
+    const std::string wifi = (kInputs / "wifi-roaming-body.hex").string();
+    const Result plain = RunCpdump({"--body", wifi});
+    const Result r = RunCpdump({"--leaks", "--body", wifi});
     ASSERT_EQ(r.exit, 0) << r.err;
     EXPECT_EQ(r.out, plain.out);  // the report never mixes into the JSON
-    // The WI-FI chain of the context and the ROAMING record of the tree stay allocated.
+    // The WI-FI chain and the ROAMING records of the context stay allocated, as
+    // does the ROAMING record of the tree.
     EXPECT_NE(r.err.find("[syncml] MEMCHECK Filename:jni/src/ClientProv/tqsClientProvCtx"), std::string::npos)
+        << r.err;
+    EXPECT_NE(r.err.find("[syncml] MEMCHECK Filename:jni/src/ClientProv/tqsClientProvWbxmlDecoder"),
+              std::string::npos)
         << r.err;
     EXPECT_NE(r.err.find("still allocated after release"), std::string::npos);
 
     // A whole PDU: the body copy of the push header is never released.
-    const Result pdu = Run({"--leaks", Corpus("ws-bank-userpin.pdu")});
+    const Result pdu = RunCpdump({"--leaks", Corpus("ws-bank-userpin.pdu")});
     ASSERT_EQ(pdu.exit, 0);
     EXPECT_NE(pdu.err.find("Filename:jni/src/ClientProv/tqspushhandler Line:167"), std::string::npos)
         << pdu.err;
@@ -256,8 +273,8 @@ TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
 TEST(Options, HeaderOnlyDoesNotLookAtTheBody) {
     // A push whose body is no provisioning document still has a header to show.
     const Bytes pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x01, 0x6A, 0x00, 0x45, 0x01};
-    EXPECT_EQ(Run({"-"}, pdu).exit, 1);
-    const Result r = Run({"--header-only", "-"}, pdu);
+    EXPECT_EQ(RunCpdump({"-"}, pdu).exit, 1);
+    const Result r = RunCpdump({"--header-only", "-"}, pdu);
     EXPECT_EQ(r.exit, 0);
     EXPECT_NE(r.out.find("\"bodyLength\": 6"), std::string::npos) << r.out;
     EXPECT_EQ(r.out.find("context"), std::string::npos);
@@ -279,9 +296,9 @@ std::string ToHex(const Bytes &bytes, const char *prefix, const char *separator,
 
 TEST(HexInput, GivesTheSameOutputAsBinary) {
     Scratch scratch;
-    for (const char *sample : {"ws-bank-userpin.pdu", "pdus/own/wifi-roaming.mac.pdu"}) {
+    for (const char *sample : {"ws-bank-userpin.pdu", "pdus/own/identity-vendor-access.mac.pdu"}) {
         const Bytes pdu = ReadBytes(kCorpus / sample);
-        const Result binary = Run({Corpus(sample)});
+        const Result binary = RunCpdump({Corpus(sample)});
         ASSERT_EQ(binary.exit, 0) << sample;
         const std::string spellings[] = {ToHex(pdu, "", "", 0), ToHex(pdu, "", " ", 16),
                                          ToHex(pdu, "", ":", 0), ToHex(pdu, "0x", " ", 8),
@@ -289,10 +306,10 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
         for (const std::string &hex : spellings) {
             const fs::path path = scratch.File("push.hex");
             WriteBytes(path, hex.data(), hex.size());
-            const Result r = Run({path.string()});
+            const Result r = RunCpdump({path.string()});
             EXPECT_EQ(r.exit, 0) << hex.substr(0, 40);
             EXPECT_EQ(r.out, binary.out) << hex.substr(0, 40);
-            EXPECT_EQ(Run({"-"}, Bytes(hex.begin(), hex.end())).out, binary.out);
+            EXPECT_EQ(RunCpdump({"-"}, Bytes(hex.begin(), hex.end())).out, binary.out);
         }
     }
 }
@@ -301,7 +318,7 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
 
 Bytes Push(const Bytes &body) {
     Bytes pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80};
-    pdu.insert(pdu.end(), body.begin(), body.end());
+    for (unsigned char b : body) pdu.push_back(b);
     return pdu;
 }
 
@@ -332,6 +349,14 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
          {0x03, 0x00, 0x00, 0x6A, 0x04, 'a', '/', 'b', 0x00, 0x45, 0x01},
          "not a provisioning document (public id 0x00, literal \"a/b\")"},
         {"empty body", {"-"}, Push({}), "malformed WBXML (the document header is cut short)"},
+        {"empty document",
+         {Corpus("pdus/moz-empty-doc-netwpin.pdu")},
+         {},
+         "empty provisioning document (no characteristics)"},
+        {"empty document, xml",
+         {"--xml", "--body", Corpus("moz-empty-doc-netwpin.wbxml")},
+         {},
+         "empty provisioning document (no characteristics)"},
         {"unexpected token",
          {Corpus("pdus/negative/gaia-cht-parm-typo.pdu")},
          {},
@@ -347,7 +372,7 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.what);
-        const Result r = Run(c.args, c.in);
+        const Result r = RunCpdump(c.args, c.in);
         EXPECT_EQ(r.exit, 1);
         EXPECT_EQ(r.out, "");
         EXPECT_EQ(r.err, std::string("cpdump: ") + c.line + "\n");
@@ -370,12 +395,9 @@ class Lcg {
 };
 
 TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
-    const char *seeds[] = {"ws-bank-userpin.pdu",
-                           "mihini-dm-bootstrap.pdu",
-                           "pdus/own/wifi-roaming.pdu",
-                           "pdus/own/identity-vendor-access.mac.pdu",
-                           "pdus/moz-provcont-appendix-c.pdu",
-                           "pdus/cpc-email.pdu"};
+    const char *seeds[] = {"ws-bank-userpin.pdu",        "ph-smart-mms-netwpin.pdu",
+                           "pdus/own/wifi-roaming.pdu",  "pdus/own/identity-vendor-access.mac.pdu",
+                           "pdus/gaia-tef-movistar.pdu", "pdus/cpc-email.pdu"};
     Lcg rng(20261121);
     int runs = 0, decoded = 0;
     for (const char *seed : seeds) {
@@ -397,7 +419,7 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
             }
             const std::vector<std::string> args =
                 k % 5 == 4 ? std::vector<std::string>{"--xml", "-"} : std::vector<std::string>{"-"};
-            const Result r = Run(args, damaged);
+            const Result r = RunCpdump(args, damaged);
             ++runs;
             SCOPED_TRACE(std::string(seed) + ":" + how);
             ASSERT_EQ(r.signal, 0) << "killed by signal";
