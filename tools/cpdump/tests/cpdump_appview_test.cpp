@@ -10,6 +10,8 @@
 #include "fake_jni.h"
 #include "tokens.h"
 #include "tqomacp_jni.h"
+#include "tqsClientProvWbxmlDecoder.h"
+#include "tqsmemory.h"
 
 namespace cpdump {
 namespace {
@@ -143,6 +145,24 @@ TEST(AppViewMatchesGetters, BearerNames) {
         ASSERT_NE(tool, nullptr) << code;
         EXPECT_EQ(name, Element{tool}) << code;
     }
+}
+
+// Every code the decoder's value tables turn into text has that text as its
+// cpdump name too.
+TEST(AppViewMatchesGetters, DecoderValueTokenTexts) {
+    int named = 0;
+    for (int code = 0x80; code <= 0xFF; ++code) {
+        char *text = nullptr;
+        if (tqsClientProvWbxmlDecoderGetParamTokenVal(static_cast<uint8_t>(code), &text) != 0) continue;
+        ASSERT_NE(text, nullptr);
+        const char *tool = ValueTokenName(static_cast<unsigned char>(code));
+        EXPECT_STREQ(tool, text) << code;
+        tqsMemFree_debug(text);
+        ++named;
+    }
+    // 8 address types, 7 authentication types, BASIC and DIGEST, and the call
+    // types and service that no earlier table shadows (0x90, 0x94, 0x95, 0xCA).
+    EXPECT_EQ(named, 21);
 }
 
 }  // namespace
