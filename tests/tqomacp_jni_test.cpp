@@ -3,6 +3,8 @@
 // so the quirks are pinned down independently of the decoder.
 #include "tqomacp_jni.h"
 
+#include "tqomacp_jni_names.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -103,6 +105,45 @@ TEST(TqomacpJniRegistration, RegisterNativeMethodsReportsEachStep) {
     jvm.failRegistration("com/x/C");
     EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/C", &m, 1), 0);
     EXPECT_EQ(jvm.registrations().size(), 1u);
+}
+
+// The tables and mappings tools share with the getters.
+TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
+    EXPECT_STREQ(tqsJniServiceName(0), "CL-WSP");
+    EXPECT_STREQ(tqsJniServiceName(10), "Unkown Service");
+    EXPECT_STREQ(tqsJniServiceName(11), "GSM-USSD");
+    EXPECT_STREQ(tqsJniServiceName(38), "Unkown Bearer");
+    EXPECT_EQ(tqsJniServiceName(39), nullptr);
+    EXPECT_EQ(tqsJniServiceName(-1), nullptr);
+    EXPECT_STREQ(tqsJniBearerName(0xA2), "GSM-USSD");
+    EXPECT_STREQ(tqsJniBearerName(0xBC), "WLAN");
+    EXPECT_STREQ(tqsJniBearerName(0xCA), "Unkown Bearer");  // a service code is no bearer
+    EXPECT_STREQ(tqsJniBearerName(0), "Unkown Bearer");
+
+    struct Row {
+        tqsJniMapping mapping;
+        const char *stored;
+        int written;
+        const char *element;
+    };
+    const Row rows[] = {
+        {TQS_JNI_MAP_NAP_ADDR_TYPE, "\x89", 1, "0x89"},
+        {TQS_JNI_MAP_NAP_ADDR_TYPE, "APN", 0, nullptr},
+        {TQS_JNI_MAP_NAP_ADDR_TYPE, nullptr, 1, nullptr},
+        {TQS_JNI_MAP_PX_ADDR_TYPE, "ALPHA", 1, "NET_ADDR_IPV4"},
+        {TQS_JNI_MAP_AUTH_TYPE, "\x9E", 1, "WTLS-SS"},
+        {TQS_JNI_MAP_AUTH_TYPE, "chap", 1, "NONE"},
+        {TQS_JNI_MAP_AAUTH_LEVEL, "Client", 1, "CLIENT"},
+        {TQS_JNI_MAP_AAUTH_LEVEL, "appsrv", 1, nullptr},
+    };
+    for (const Row &r : rows) {
+        const char *element = "untouched";
+        EXPECT_EQ(tqsJniMapElement(r.mapping, r.stored, &element), r.written)
+            << r.mapping << (r.stored ? r.stored : "(null)");
+        EXPECT_EQ(element == nullptr ? std::string("(null)") : std::string(element),
+                  r.element == nullptr ? std::string("(null)") : std::string(r.element))
+            << r.mapping;
+    }
 }
 
 // ---------------------------------------------------------------------------

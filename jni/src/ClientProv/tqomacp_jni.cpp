@@ -1,5 +1,7 @@
 #include "tqomacp_jni.h"
 
+#include "tqomacp_jni_names.h"
+
 #include <stddef.h>
 #include <stdint.h>
 #include <string.h>
@@ -331,17 +333,14 @@ constexpr Path kPxPortService = Extend(kPxPort, TQ_HOP(tqsCtxPort, ptService));
 constexpr Path kPxPhysicalPortService = Extend(kPxPhysicalPort, TQ_HOP(tqsCtxPort, ptService));
 constexpr Path kBearer = Extend(kNapDef, kBearerList);
 
+}  // namespace
+
 // ---------------------------------------------------------------------------
 // Service and bearer names. One array: the eleven service entries, then the
 // twenty-eight bearer entries, so a service position past 10 names a bearer.
 // ---------------------------------------------------------------------------
 
-struct CodeName {
-    unsigned char code;
-    const char *name;
-};
-
-constexpr CodeName kCodeNames[] = {
+const tqsJniCodeName tqsJniCodeNames[TQS_JNI_CODE_NAMES] = {
     {0xCA, "CL-WSP"},
     {0xCB, "CO-WSP"},
     {0xCC, "CL-SEC-WSP"},
@@ -383,39 +382,28 @@ constexpr CodeName kCodeNames[] = {
     {0xBC, "WLAN"},
     {0, "Unkown Bearer"},
 };
-constexpr jint kServiceNames = 11;
-constexpr jint kBearerCodes = 27;  // scanned entries; the next one is the fallback
-constexpr const CodeName *kBearerNames = kCodeNames + kServiceNames;
-static_assert(sizeof kCodeNames / sizeof kCodeNames[0] == kServiceNames + kBearerCodes + 1,
-              "39 names: 11 services, 27 bearers and the unknown bearer");
 
-// Name at service position s. Positions past both tables give null.
-const char *ServiceName(jint s) {
-    const jint entries = static_cast<jint>(sizeof kCodeNames / sizeof kCodeNames[0]);
-    return s >= 0 && s < entries ? kCodeNames[s].name : nullptr;
+// Positions past both tables give null.
+const char *tqsJniServiceName(int s) {
+    return s >= 0 && s < TQS_JNI_CODE_NAMES ? tqsJniCodeNames[s].name : nullptr;
 }
 
-const char *BearerName(unsigned char code) {
-    for (jint i = 0; i < kBearerCodes; ++i) {
-        if (kBearerNames[i].code == code) return kBearerNames[i].name;
+const char *tqsJniBearerName(unsigned char code) {
+    const tqsJniCodeName *bearers = tqsJniCodeNames + TQS_JNI_SERVICE_NAMES;
+    for (int i = 0; i < TQS_JNI_BEARER_CODES; ++i) {
+        if (bearers[i].code == code) return bearers[i].name;
     }
-    return kBearerNames[kBearerCodes].name;
-}
-
-jstring ServiceData(JNIEnv *env, const Path &path, const jint *numbers, jint s) {
-    if (Select(path, numbers) == nullptr) return nullptr;
-    const char *name = ServiceName(s);
-    return name == nullptr ? nullptr : env->NewStringUTF(name);
+    return bearers[TQS_JNI_BEARER_CODES].name;
 }
 
 // ---------------------------------------------------------------------------
-// Composite getters: a String[] of a record's leading string fields in record
-// order, an explicit null after them, at most one element mapped to a name.
+// Element mappings of the composite getters. Rows are tested in order; a row
+// matches the exact text (case-insensitively where it says so) or, when it
+// has a code, the value's first byte.
 // ---------------------------------------------------------------------------
 
-// How a value maps to its element. Rows are tested in order; a row matches
-// the exact text (case-insensitively where it says so) or, when it has a
-// code, the value's first byte.
+namespace {
+
 struct TokenRow {
     int code;  // -1: no code byte accepted
     const char *text;
@@ -424,7 +412,7 @@ struct TokenRow {
 };
 
 enum class Fallback : uint8_t {
-    kText,  // write `fallback`
+    kText,  // write `fallbackText`
     kNull,  // write null
     kSkip,  // write nothing; later elements move up one index
 };
@@ -466,10 +454,14 @@ constexpr TokenMap MapOf(const TokenRow (&rows)[N], Fallback fallback, const cha
     return TokenMap{rows, static_cast<int>(N), fallback, text};
 }
 
-constexpr TokenMap kPxAddrType = MapOf(kPxAddrTypeRows, Fallback::kText, "NET_ADDR_IPV4");
-constexpr TokenMap kNapAddrType = MapOf(kNapAddrTypeRows, Fallback::kSkip);
-constexpr TokenMap kAuthType = MapOf(kAuthTypeRows, Fallback::kText, "NONE");
-constexpr TokenMap kAAuthLevel = MapOf(kAAuthLevelRows, Fallback::kNull);
+// Indexed by tqsJniMapping.
+constexpr TokenMap kTokenMaps[] = {
+    MapOf(kPxAddrTypeRows, Fallback::kText, "NET_ADDR_IPV4"),
+    MapOf(kNapAddrTypeRows, Fallback::kSkip),
+    MapOf(kAuthTypeRows, Fallback::kText, "NONE"),
+    MapOf(kAAuthLevelRows, Fallback::kNull),
+};
+static_assert(sizeof kTokenMaps / sizeof kTokenMaps[0] == TQS_JNI_MAP_AAUTH_LEVEL + 1, "one map per mapping");
 
 bool RowMatches(const TokenRow &row, const char *value) {
     if (row.code >= 0 && static_cast<unsigned char>(value[0]) == row.code) return true;
@@ -477,47 +469,80 @@ bool RowMatches(const TokenRow &row, const char *value) {
     return (row.anyCase ? tqsStricmp(value, row.text) : tqsStrcmp(value, row.text)) == 0;
 }
 
+}  // namespace
+
+int tqsJniMapElement(tqsJniMapping mapping, const char *stored, const char **element) {
+    *element = nullptr;
+    if (stored == nullptr) return 1;
+    const TokenMap &map = kTokenMaps[mapping];
+    for (int i = 0; i < map.count; ++i) {
+        if (RowMatches(map.rows[i], stored)) {
+            *element = map.rows[i].element;
+            return 1;
+        }
+    }
+    if (map.fallback == Fallback::kSkip) return 0;
+    *element = map.fallbackText;
+    return 1;
+}
+
+namespace {
+
+jstring ServiceData(JNIEnv *env, const Path &path, const jint *numbers, jint s) {
+    if (Select(path, numbers) == nullptr) return nullptr;
+    const char *name = tqsJniServiceName(s);
+    return name == nullptr ? nullptr : env->NewStringUTF(name);
+}
+
+// ---------------------------------------------------------------------------
+// Composite getters: a String[] of a record's leading string fields in record
+// order, an explicit null after them, at most one element mapped to a name.
+// ---------------------------------------------------------------------------
+
 struct RecordQuery {
     Path path;
     jsize length;  // array length: the fields, then the end mark
-    int mapped;    // index of the mapped field, -1 for none
-    const TokenMap *map;
+    struct {
+        int field;  // index of the mapped field, -1 for none
+        tqsJniMapping mapping;
+    } mapped;
 };
 
-constexpr jsize kNoMap = -1;
+constexpr decltype(RecordQuery::mapped) kNoMap{-1, TQS_JNI_MAP_PX_ADDR_TYPE};
 
 // Number of leading string fields up to and including `last`, plus the end mark.
 #define TQ_ARRAY_THROUGH(Record, last) static_cast<jsize>(offsetof(Record, last) / sizeof(char *) + 2)
 #define TQ_INDEX(Record, field) static_cast<int>(offsetof(Record, field) / sizeof(char *))
 
-constexpr RecordQuery kProxyData{kPxLogical, TQ_ARRAY_THROUGH(tqsCtxPxLogical, pszReserved5), kNoMap,
-                                 nullptr};
+constexpr RecordQuery kProxyData{kPxLogical, TQ_ARRAY_THROUGH(tqsCtxPxLogical, pszReserved5), kNoMap};
 constexpr RecordQuery kPxAuthInfoData{Extend(kPxLogical, TQ_HOP(tqsCtxPxLogical, ptPxAuthInfo)),
-                                      TQ_ARRAY_THROUGH(tqsCtxPxAuthInfo, pszPxAuthPw), kNoMap, nullptr};
-constexpr RecordQuery kPxPhysicalData{kPxPhysical, TQ_ARRAY_THROUGH(tqsCtxPxPhysical, pszPullEnabled),
-                                      TQ_INDEX(tqsCtxPxPhysical, pszPxAddrType), &kPxAddrType};
-constexpr RecordQuery kNapDefData{kNapDef, TQ_ARRAY_THROUGH(tqsCtxNapDef, pszInit),
-                                  TQ_INDEX(tqsCtxNapDef, pszNapAddrType), &kNapAddrType};
-constexpr RecordQuery kNapAuthInfoData{kNapAuthInfo, TQ_ARRAY_THROUGH(tqsCtxNapAuthInfo, pszReserved1),
-                                       TQ_INDEX(tqsCtxNapAuthInfo, pszAuthType), &kAuthType};
+                                      TQ_ARRAY_THROUGH(tqsCtxPxAuthInfo, pszPxAuthPw), kNoMap};
+constexpr RecordQuery kPxPhysicalData{kPxPhysical,
+                                      TQ_ARRAY_THROUGH(tqsCtxPxPhysical, pszPullEnabled),
+                                      {TQ_INDEX(tqsCtxPxPhysical, pszPxAddrType), TQS_JNI_MAP_PX_ADDR_TYPE}};
+constexpr RecordQuery kNapDefData{kNapDef,
+                                  TQ_ARRAY_THROUGH(tqsCtxNapDef, pszInit),
+                                  {TQ_INDEX(tqsCtxNapDef, pszNapAddrType), TQS_JNI_MAP_NAP_ADDR_TYPE}};
+constexpr RecordQuery kNapAuthInfoData{kNapAuthInfo,
+                                       TQ_ARRAY_THROUGH(tqsCtxNapAuthInfo, pszReserved1),
+                                       {TQ_INDEX(tqsCtxNapAuthInfo, pszAuthType), TQS_JNI_MAP_AUTH_TYPE}};
 constexpr RecordQuery kValidityData{Extend(kNapDef, TQ_HOP(tqsCtxNapDef, ptValidity)),
-                                    TQ_ARRAY_THROUGH(tqsCtxValidity, pszValidUntil), kNoMap, nullptr};
-constexpr RecordQuery kBootstrapData{kBootstrap, TQ_ARRAY_THROUGH(tqsCtxBootstrap, pszContextAllow), kNoMap,
-                                     nullptr};
+                                    TQ_ARRAY_THROUGH(tqsCtxValidity, pszValidUntil), kNoMap};
+constexpr RecordQuery kBootstrapData{kBootstrap, TQ_ARRAY_THROUGH(tqsCtxBootstrap, pszContextAllow), kNoMap};
 constexpr RecordQuery kVenderConfigData{From(TQ_HOP(tqsClientProvCtx, ptVenderConfig)),
-                                        TQ_ARRAY_THROUGH(tqsCtxVenderConfig, pszParmValue), kNoMap, nullptr};
+                                        TQ_ARRAY_THROUGH(tqsCtxVenderConfig, pszParmValue), kNoMap};
 constexpr RecordQuery kApplicationData{kApplication, TQ_ARRAY_THROUGH(tqsCtxApplication, pszXcapTidHeader),
-                                       kNoMap, nullptr};
-constexpr RecordQuery kAppAddrData{kAppAddr, TQ_ARRAY_THROUGH(tqsCtxAppAddr, pszAddrType), kNoMap, nullptr};
+                                       kNoMap};
+constexpr RecordQuery kAppAddrData{kAppAddr, TQ_ARRAY_THROUGH(tqsCtxAppAddr, pszAddrType), kNoMap};
 constexpr RecordQuery kAppAuthData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptAppAuth)),
                                    TQ_ARRAY_THROUGH(tqsCtxAppAuth, pszAAuthData),
-                                   TQ_INDEX(tqsCtxAppAuth, pszAAuthLevel), &kAAuthLevel};
+                                   {TQ_INDEX(tqsCtxAppAuth, pszAAuthLevel), TQS_JNI_MAP_AAUTH_LEVEL}};
 constexpr RecordQuery kResourceData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptResource)),
-                                    TQ_ARRAY_THROUGH(tqsCtxResource, pszStartPage), kNoMap, nullptr};
+                                    TQ_ARRAY_THROUGH(tqsCtxResource, pszStartPage), kNoMap};
 constexpr RecordQuery kRoamingData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptRoaming)),
-                                   TQ_ARRAY_THROUGH(tqsCtxRoaming, pszSyncDefault), kNoMap, nullptr};
+                                   TQ_ARRAY_THROUGH(tqsCtxRoaming, pszSyncDefault), kNoMap};
 constexpr RecordQuery kWifiData{From(TQ_HOP(tqsClientProvCtx, ptWifi)),
-                                TQ_ARRAY_THROUGH(tqsCtxWifi, pszPriority), kNoMap, nullptr};
+                                TQ_ARRAY_THROUGH(tqsCtxWifi, pszPriority), kNoMap};
 
 // The array lengths the application relies on.
 static_assert(kProxyData.length == 14 && kPxAuthInfoData.length == 4 && kPxPhysicalData.length == 8 &&
@@ -526,8 +551,8 @@ static_assert(kProxyData.length == 14 && kPxAuthInfoData.length == 4 && kPxPhysi
                   kApplicationData.length == 13 && kAppAddrData.length == 3 && kAppAuthData.length == 6 &&
                   kResourceData.length == 9 && kRoamingData.length == 3 && kWifiData.length == 13,
               "String[] lengths");
-static_assert(kPxPhysicalData.mapped == 2 && kNapDefData.mapped == 4 && kNapAuthInfoData.mapped == 0 &&
-                  kAppAuthData.mapped == 0,
+static_assert(kPxPhysicalData.mapped.field == 2 && kNapDefData.mapped.field == 4 &&
+                  kNapAuthInfoData.mapped.field == 0 && kAppAuthData.mapped.field == 0,
               "mapped elements");
 
 // A String[] whose elements all start as one shared empty string. A VM that
@@ -543,18 +568,12 @@ void FillRecordArray(JNIEnv *env, jobjectArray array, const void *record, const 
     jsize index = 0;
     for (int field = 0; field < query.length - 1; ++field) {
         const char *value = StringAt(record, static_cast<uint16_t>(field * sizeof(char *)));
-        if (field != query.mapped || value == nullptr) {
+        if (field != query.mapped.field) {
             env->SetObjectArrayElement(array, index++, NewJavaString(env, value));
             continue;
         }
-        const TokenMap &map = *query.map;
-        const char *element = map.fallbackText;
-        bool matched = false;
-        for (int i = 0; i < map.count && !matched; ++i) {
-            matched = RowMatches(map.rows[i], value);
-            if (matched) element = map.rows[i].element;
-        }
-        if (!matched && map.fallback == Fallback::kSkip) continue;
+        const char *element;
+        if (!tqsJniMapElement(query.mapped.mapping, value, &element)) continue;
         env->SetObjectArrayElement(array, index++, element == nullptr ? nullptr : env->NewStringUTF(element));
     }
     env->SetObjectArrayElement(array, index, nullptr);
@@ -660,6 +679,7 @@ JNIEXPORT jbyteArray JNICALL jni_tqomacp_GetParserMAC(JNIEnv *env, jclass) {
 }
 
 JNIEXPORT jbyteArray JNICALL jni_tqomacp_GetParserBody(JNIEnv *env, jclass) {
+    // No header (Empty state) or no body copy (its allocation failed): null.
     if (ptPushHeader == nullptr || ptPushHeader->pBody == nullptr) return nullptr;
     return NewByteArrayFrom(env, ptPushHeader->pBody, static_cast<uint32_t>(ptPushHeader->nBodyLen));
 }
@@ -800,7 +820,7 @@ JNIEXPORT jstring JNICALL jni_tqomacp_GetPxBearerData(JNIEnv *env, jclass, jint 
         const tqsCtxNapDef *napDef = static_cast<const tqsCtxNapDef *>(Select(kNapDef, numbers));
         return NewJavaString(env, napDef->pszNapAddress);
     }
-    return env->NewStringUTF(BearerName(code));
+    return env->NewStringUTF(tqsJniBearerName(code));
 }
 
 JNIEXPORT jint JNICALL jni_tqomacp_GetPxNapAuthInfoCount(JNIEnv *, jclass, jint n) {
