@@ -270,6 +270,20 @@ TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
     EXPECT_EQ(pdu.err.find("tqspushhandler Line:51"), std::string::npos) << pdu.err;
 }
 
+TEST(Options, BodyAloneDecodesLikeThePush) {
+    // The built-in sample's body, and a corpus push against its own body.
+    const Result push = RunCpdump({});
+    const Result body = RunCpdump({"--body"});
+    ASSERT_EQ(body.exit, 0) << body.err;
+    const std::size_t at = push.out.find("  \"wbxml\"");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_EQ(body.out, "{\n" + push.out.substr(at));
+    const Result pdu = RunCpdump({Corpus("pdus/sfos-dna-1.pdu")});
+    const Result wbxml = RunCpdump({"--body", Corpus("sfos-dna-1.wbxml")});
+    ASSERT_EQ(pdu.exit, 0);
+    EXPECT_EQ(wbxml.out, "{\n" + pdu.out.substr(pdu.out.find("  \"wbxml\"")));
+}
+
 TEST(Options, HeaderOnlyDoesNotLookAtTheBody) {
     // A push whose body is no provisioning document still has a header to show.
     const Bytes pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x01, 0x6A, 0x00, 0x45, 0x01};
