@@ -12,21 +12,29 @@ public final class TqomacpLibrary {
   public static final String PATH_PROPERTY = "tqomacp.library";
 
   private static boolean loaded;
+  // True while the library's JNI_OnLoad runs: its registration initialises the XCPCtx classes,
+  // whose static blocks call load() again on this thread.
+  private static boolean loading;
 
   private TqomacpLibrary() {}
 
   /** Loads the library; a failed load is retried on the next call. */
   public static synchronized void load() {
-    if (loaded) {
+    if (loaded || loading) {
       return;
     }
-    String path = System.getProperty(PATH_PROPERTY);
-    if (path != null && !path.isEmpty()) {
-      System.load(path);
-    } else {
-      System.loadLibrary(NAME);
+    loading = true;
+    try {
+      String path = System.getProperty(PATH_PROPERTY);
+      if (path != null && !path.isEmpty()) {
+        System.load(path);
+      } else {
+        System.loadLibrary(NAME);
+      }
+      loaded = true;
+    } finally {
+      loading = false;
     }
-    loaded = true;
   }
 
   public static synchronized boolean isLoaded() {

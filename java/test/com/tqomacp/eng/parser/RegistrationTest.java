@@ -47,6 +47,7 @@ public class RegistrationTest {
   /** What a child JVM printed: the probe's LOAD line and the natives registered per class. */
   private static final class Run {
     String load = "";
+    String loaded = "";
     final Map<String, List<String>> registered = new TreeMap<>();
     final List<String> classOrder = new ArrayList<>();
   }
@@ -74,6 +75,9 @@ public class RegistrationTest {
     for (String line : new String(output, StandardCharsets.UTF_8).split("\n")) {
       if (line.startsWith("LOAD ")) {
         run.load = line;
+      }
+      if (line.startsWith("LOADED ")) {
+        run.loaded = line;
       }
       Matcher m = REGISTERING.matcher(line);
       if (m.find()) {
@@ -108,6 +112,7 @@ public class RegistrationTest {
         runProbe(
             System.getProperty("tqomacp.classes") + java.io.File.pathSeparator + testClasses());
     assertEquals("LOAD OK", run.load);
+    assertEquals("LOADED true", run.loaded);
     assertEquals(ORDER, run.classOrder);
     int total = 0;
     for (String c : ORDER) {
@@ -142,6 +147,8 @@ public class RegistrationTest {
       // FindClass's NoClassDefFoundError stays pending and fails the load.
       assertEquals(
           "LOAD FAILED java.lang.NoClassDefFoundError: com/tqomacp/eng/parser/XCPCtxAccess", run.load);
+      // The classes initialised during the failed load do not make it count as loaded.
+      assertEquals("LOADED false", run.loaded);
       assertEquals(ORDER.subList(0, 7), run.classOrder);
       for (String c : ORDER.subList(0, 7)) {
         assertEquals(c, new TreeSet<>(declaredNatives(c)), new TreeSet<>(run.registered.get(c)));
