@@ -33,6 +33,20 @@ std::vector<Sample> BenchDocuments() {
             FromBody("large", Bytes(k_large, sizeof k_large))};
 }
 
+std::vector<Sample> ScaledDocuments() {
+    // large: WBXML header and the document tag with its version (7 bytes), 29
+    // repetitions, the document's END.
+    const size_t kHead = 7, kTail = 1, kRepeats = 29;
+    const size_t unit = (sizeof k_large - kHead - kTail) / kRepeats;
+    std::vector<Sample> out;
+    for (size_t n : {1, 2, 4, 8, 16}) {
+        std::vector<unsigned char> body(k_large, k_large + kHead + n * unit);
+        body.push_back(k_large[sizeof k_large - 1]);
+        out.push_back(FromBody("typical-x" + std::to_string(n), std::move(body)));
+    }
+    return out;
+}
+
 std::vector<unsigned char> WrapInPush(const std::vector<unsigned char> &body) {
     static const char kMac[] = "0123456789ABCDEF0123456789ABCDEF01234567";
     const unsigned char ctLen = 1 + 2 + 1 + (sizeof kMac - 1) + 1;  // B6, 91 81, 92, MAC, 00

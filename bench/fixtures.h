@@ -17,6 +17,11 @@ struct Sample {
 // small, typical and large, in that order.
 std::vector<Sample> BenchDocuments();
 
+// typical's content repeated n times for each n of {1, 2, 4, 8, 16}, named
+// "typical-xN": cut from large (encoded without a string table, so every
+// repetition is the same bytes and large itself is typical-x29).
+std::vector<Sample> ScaledDocuments();
+
 // Every top-level and own/ sample of the corpus directory (.wbxml bodies are
 // wrapped with WrapInPush, .pdu files kept as they are); negative/ is left out.
 // Empty when the folder is missing.

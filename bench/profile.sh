@@ -3,7 +3,7 @@
 # by the other core's load): instructions per parse, split into the library's
 # own code and the C library (malloc, free, memcpy, ...), then the top functions.
 #
-# Usage: bench/profile.sh [small|typical|large] [count]   (after the bench build)
+# Usage: bench/profile.sh [small|typical|large|typical-xN] [count]   (after the bench build)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 doc=${1:-typical}

@@ -1,10 +1,11 @@
 // A plain loop of whole parses for profilers (callgrind counts instructions
 // exactly; the benchmark framework would only add noise to its report).
 //
-// Usage: tqomacp_profile_loop [small|typical|large] [count]
+// Usage: tqomacp_profile_loop [small|typical|large|typical-xN] [count]
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "fixtures.h"
 
@@ -16,7 +17,9 @@
 int main(int argc, char **argv) {
     const std::string which = argc > 1 ? argv[1] : "typical";
     const long count = argc > 2 ? strtol(argv[2], nullptr, 10) : 1000;
-    for (const bench::Sample &s : bench::BenchDocuments()) {
+    std::vector<bench::Sample> docs = bench::BenchDocuments();
+    for (bench::Sample &s : bench::ScaledDocuments()) docs.push_back(std::move(s));
+    for (const bench::Sample &s : docs) {
         if (s.name != which) continue;
         long parsed = 0;
         for (long i = 0; i < count; ++i) {
@@ -34,6 +37,6 @@ int main(int argc, char **argv) {
         printf("%s: %ld of %ld parses succeeded\n", s.name.c_str(), parsed, count);
         return parsed == count ? 0 : 1;
     }
-    fprintf(stderr, "unknown document %s (small, typical, large)\n", which.c_str());
+    fprintf(stderr, "unknown document %s (small, typical, large, typical-x1/2/4/8/16)\n", which.c_str());
     return 2;
 }

@@ -280,6 +280,30 @@ void Cell(bool present, double value, int width, int decimals = 0, const char *s
         printf(" %*s%s", width, "-", *suffix ? " " : "");
 }
 
+// Time per byte of the same content repeated 1 to 29 times: flat when no step
+// of the parse grows faster than the document.
+void PrintScaling(const Collector &c, const std::vector<const Sample *> &scaled) {
+    const Result *base = Find(c, "e2e/" + scaled.front()->name);
+    printf("\nScaling: typical's content repeated n times, same encoding (large = x29); CPU time\n");
+    printf("%-14s %6s %9s %8s %8s | %9s %8s\n", "document", "bytes", "ours ns", "ns/B", "vs x1", "wbxml ns",
+           "ns/B");
+    for (const Sample *s : scaled) {
+        const Result *ours = Find(c, "e2e/" + s->name);
+        const Result *peer = Find(c, "peer_libwbxml/" + s->name);
+        if (!ours && !peer) continue;
+        const double bytes = static_cast<double>(s->body.size());
+        printf("%-14s %6zu", s->name.c_str(), s->body.size());
+        Cell(ours, Ns(ours), 9);
+        Cell(ours, Ns(ours) / bytes, 8, 2);
+        Cell(ours && base, Ns(ours) / bytes / (Ns(base) / static_cast<double>(scaled.front()->body.size())),
+             8, 2);
+        printf(" |");
+        Cell(peer, Ns(peer), 9);
+        Cell(peer, Ns(peer) / bytes, 8, 2);
+        printf("\n");
+    }
+}
+
 void PrintSummary(const Collector &c, const std::vector<const Sample *> &samples) {
     int64_t reps = 1;
     for (const auto &[name, r] : c.results) reps = std::max(reps, r.repetitions);
@@ -310,7 +334,8 @@ void PrintSummary(const Collector &c, const std::vector<const Sample *> &samples
     }
 
     printf(
-        "\nStages, wall time per operation (reading the thread's CPU clock costs a system call here, too much\n"
+        "\nStages, wall time per operation (reading the thread's CPU clock costs a system call here, too "
+        "much\n"
         "for hand timing), beside the whole parse in wall and CPU time; then, CPU time, the parse with a\n"
         "trace sink installed and one read-back of the whole context through the getters\n");
     printf("%-10s %8s %8s %8s %8s %8s %8s | %8s %8s | %8s %8s\n", "document", "header", "decode", "context",
@@ -401,6 +426,10 @@ int main(int argc, char **argv) {
 
     static const std::vector<Sample> documents = bench::BenchDocuments();
     static const std::vector<Sample> corpus = bench::CorpusSamples(CorpusDir());
+    static const std::vector<Sample> scaledDocs = bench::ScaledDocuments();
+    std::vector<const Sample *> scaled;
+    for (const Sample &s : scaledDocs) scaled.push_back(&s);
+    scaled.push_back(&documents[2]);  // large: x29
     std::vector<const Sample *> all;
     for (const Sample &s : documents) all.push_back(&s);
     for (const Sample &s : corpus) all.push_back(&s);
@@ -413,6 +442,10 @@ int main(int argc, char **argv) {
         Register("ref_memcpy/" + s->name, BM_Memcpy, s);
         Register("ref_scan/" + s->name, BM_Scan, s);
         Register("ref_scan_scalar/" + s->name, BM_ScanScalar, s);
+    }
+    for (const Sample &s : scaledDocs) {
+        Register("e2e/" + s.name, BM_EndToEnd, &s);
+        Register("peer_libwbxml/" + s.name, BM_Peer, &s);
     }
     for (const Sample &s : documents) {
         Register("e2e_traced/" + s.name, BM_EndToEndTraced, &s);
@@ -431,6 +464,7 @@ int main(int argc, char **argv) {
     Collector collector;
     benchmark::RunSpecifiedBenchmarks(&collector);
     PrintSummary(collector, all);
+    PrintScaling(collector, scaled);
     benchmark::Shutdown();
     return 0;
 }
