@@ -50,32 +50,61 @@ std::string Show(const char *stored) {
     return "\"" + out + "\"";
 }
 
-TEST(AppViewMatchesGetters, PhysicalProxyAddressType) {
+// One context holding a record of every kind that has a mapped element, each
+// with `stored` as the value that gets mapped.
+struct OneOfEach {
+    tqsCtxPxPhysical phys{};
+    tqsCtxPxLogical px{};
+    tqsCtxNapAuthInfo nap_auth{};
+    tqsCtxNapDef nap{};
+    tqsCtxAppAuth app_auth{};
+    tqsCtxApplication app{};
+    tqsClientProvCtx ctx{};
+
+    explicit OneOfEach(const char *stored) {
+        phys.pszPxAddrType = nap_auth.pszAuthType = nap.pszNapAddrType = app_auth.pszAAuthLevel = S(stored);
+        nap.pszCallType = S("CALL");
+        nap.pszInit = S("empty");
+        px.ptPxPhysical = &phys;
+        nap.ptNapAuthInfo = &nap_auth;
+        app.ptAppAuth = &app_auth;
+        ctx.ptPxLogical = &px;
+        ctx.ptNapDef = &nap;
+        ctx.ptApplication = &app;
+    }
+};
+
+TEST(AppViewMatchesGetters, MappedElements) {
+    const struct {
+        const char *what;
+        jobjectArray (*get)(JNIEnv *);
+        std::size_t length, index;
+        const char *(*tool)(const char *);
+    } rows[] = {
+        {"PXADDRTYPE", [](JNIEnv *env) { return jni_tqomacp_GetPxPhysicalData(env, nullptr, 1, 1); }, 8, 2,
+         AppPxAddrType},
+        {"AUTHTYPE", [](JNIEnv *env) { return jni_tqomacp_GetPxNapAuthInfoData(env, nullptr, 1, 1); }, 5, 0,
+         AppAuthType},
+        {"AAUTHLEVEL", [](JNIEnv *env) { return jni_tqomacp_GetPxAppAuthData(env, nullptr, 1, 1); }, 6, 0,
+         AppAAuthLevel},
+    };
     fakejni::FakeJvm jvm;
     for (const char *stored : kStored) {
-        tqsCtxPxPhysical phys{};
-        phys.pszPxAddrType = S(stored);
-        tqsCtxPxLogical px{};
-        px.ptPxPhysical = &phys;
-        tqsClientProvCtx ctx{};
-        ctx.ptPxLogical = &px;
-        Published published(&ctx);
-        const auto array = jvm.strings(jni_tqomacp_GetPxPhysicalData(jvm.env(), nullptr, 1, 1));
-        ASSERT_EQ(array.size(), 8u);
-        EXPECT_EQ(array[2], Tool(AppPxAddrType(stored))) << Show(stored);
+        OneOfEach records(stored);
+        Published published(&records.ctx);
+        for (const auto &row : rows) {
+            const auto array = jvm.strings(row.get(jvm.env()));
+            ASSERT_EQ(array.size(), row.length) << row.what;
+            EXPECT_EQ(array[row.index], Tool(row.tool(stored))) << row.what << " " << Show(stored);
+        }
     }
 }
 
 TEST(AppViewMatchesGetters, AccessPointAddressTypeAndTheShift) {
     fakejni::FakeJvm jvm;
     for (const char *stored : kStored) {
-        tqsCtxNapDef nap{};
-        nap.pszNapAddrType = S(stored);
-        nap.pszCallType = S("CALL");
-        nap.pszInit = S("empty");
-        tqsClientProvCtx ctx{};
-        ctx.ptNapDef = &nap;
-        Published published(&ctx);
+        OneOfEach records(stored);
+        Published published(&records.ctx);
         const auto array = jvm.strings(jni_tqomacp_GetPxNapDefData(jvm.env(), nullptr, 1));
         ASSERT_EQ(array.size(), 29u);
         bool shifted = false;
@@ -92,38 +121,6 @@ TEST(AppViewMatchesGetters, AccessPointAddressTypeAndTheShift) {
             EXPECT_EQ(array[5], Element{"CALL"});
             EXPECT_EQ(array[27], Element{"empty"});
         }
-    }
-}
-
-TEST(AppViewMatchesGetters, AuthenticationType) {
-    fakejni::FakeJvm jvm;
-    for (const char *stored : kStored) {
-        tqsCtxNapAuthInfo auth{};
-        auth.pszAuthType = S(stored);
-        tqsCtxNapDef nap{};
-        nap.ptNapAuthInfo = &auth;
-        tqsClientProvCtx ctx{};
-        ctx.ptNapDef = &nap;
-        Published published(&ctx);
-        const auto array = jvm.strings(jni_tqomacp_GetPxNapAuthInfoData(jvm.env(), nullptr, 1, 1));
-        ASSERT_EQ(array.size(), 5u);
-        EXPECT_EQ(array[0], Tool(AppAuthType(stored))) << Show(stored);
-    }
-}
-
-TEST(AppViewMatchesGetters, ApplicationAuthenticationLevel) {
-    fakejni::FakeJvm jvm;
-    for (const char *stored : kStored) {
-        tqsCtxAppAuth auth{};
-        auth.pszAAuthLevel = S(stored);
-        tqsCtxApplication app{};
-        app.ptAppAuth = &auth;
-        tqsClientProvCtx ctx{};
-        ctx.ptApplication = &app;
-        Published published(&ctx);
-        const auto array = jvm.strings(jni_tqomacp_GetPxAppAuthData(jvm.env(), nullptr, 1, 1));
-        ASSERT_EQ(array.size(), 6u);
-        EXPECT_EQ(array[0], Tool(AppAAuthLevel(stored))) << Show(stored);
     }
 }
 
