@@ -458,6 +458,17 @@ TEST_F(TqomacpJniGetters, ProxyDataIsNeverNull) {
     EXPECT_EQ(jni_tqomacp_GetPxPhysicalData(env, nullptr, 1, 1), nullptr);
 }
 
+TEST_F(TqomacpJniGetters, RoamingIsTheFirstOfTheFirstApplicationOnly) {
+    auto apps = ctx.Chain(&ctx.root->ptApplication, 2);
+    auto later = ctx.Chain(&apps[1]->ptRoaming, 1);
+    later[0]->pszSyncAllowed = ctx.Str("second application");
+    EXPECT_EQ(jni_tqomacp_GetPxRoamingData(env, nullptr), nullptr);
+    auto first = ctx.Chain(&apps[0]->ptRoaming, 2);
+    first[0]->pszSyncDefault = ctx.Str("0");
+    first[1]->pszSyncAllowed = ctx.Str("second roaming");
+    EXPECT_EQ(A(jni_tqomacp_GetPxRoamingData(env, nullptr)), (Strings{std::nullopt, "0", std::nullopt}));
+}
+
 TEST_F(TqomacpJniGetters, NoArrayWithoutTheStringClass) {
     auto boot = ctx.Chain(&ctx.root->ptBootstrap, 1);
     boot[0]->pszName = ctx.Str("boot");

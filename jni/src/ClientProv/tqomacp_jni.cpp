@@ -793,7 +793,7 @@ JNIEXPORT jstring JNICALL jni_tqomacp_GetPxDnsAddrData(JNIEnv *env, jclass, jint
 }
 
 JNIEXPORT void JNICALL jni_tqomacp_SetPxNapDefIndex(JNIEnv *, jclass, jint n) {
-    if (ptCtx == nullptr) return;
+    if (ptCtx == nullptr) return;  // no published context: nothing to move
     // Records before n become unreachable (not freed); 0, negative or past the
     // end empties the list.
     jint count = 1;
@@ -804,7 +804,7 @@ JNIEXPORT void JNICALL jni_tqomacp_SetPxNapDefIndex(JNIEnv *, jclass, jint n) {
 }
 
 JNIEXPORT jint JNICALL jni_tqomacp_GetPxBearerCount(JNIEnv *, jclass, jint n) {
-    if (ptCtx == nullptr) return 0;
+    if (ptCtx == nullptr) return 0;  // no published context: nothing to count
     const void *napDef = SelectAtMost(ptCtx->ptNapDef, kNapDef.hops[0].next, n);
     return napDef == nullptr ? 0 : CountChain(PointerAt(napDef, kBearerList.head), kBearerList.next);
 }
@@ -886,6 +886,7 @@ JNIEXPORT jobjectArray JNICALL jni_tqomacp_GetBootstrapData(JNIEnv *env, jclass,
 // ---------------------------------------------------------------------------
 
 JNIEXPORT jstring JNICALL jni_tqomacp_GetPxClientIdentityData(JNIEnv *env, jclass) {
+    // No published context reads like an empty CLIENTIDENTITY slot.
     if (ptCtx == nullptr || ptCtx->ptClientIdent == nullptr) return nullptr;
     return NewJavaString(env, ptCtx->ptClientIdent->pszClientId);
 }
