@@ -249,6 +249,97 @@ TEST(TqsList, TakingFromACursorOnADroppedNodeLeavesTheChainAlone) {
     tqsMemFree_debug(second);
 }
 
+// Appending after each kind of removal: the new node lands behind the last
+// node of the chain as it stands, wherever the removal left it.
+TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
+    struct Case {
+        const char *name;
+        void (*remove)(TqsList *list, std::vector<TqsListNode *> *dropped);
+        std::vector<int> expected;  // items after appending 7
+    };
+    const Case cases[] = {
+        {"find the tail",
+         [](TqsList *l, std::vector<TqsListNode *> *) {
+             tqsListDeleteNodeFindItem(l, Item(3), TQS_LIST_KEEP_ITEMS);
+         },
+         {0, 1, 2, 7}},
+        {"find the head",
+         [](TqsList *l, std::vector<TqsListNode *> *) {
+             tqsListDeleteNodeFindItem(l, Item(0), TQS_LIST_KEEP_ITEMS);
+         },
+         {1, 2, 3, 7}},
+        {"first until empty",
+         [](TqsList *l, std::vector<TqsListNode *> *) {
+             for (int i = 0; i < 4; ++i) tqsListDeleteNodeFirst(l, TQS_LIST_KEEP_ITEMS);
+         },
+         {7}},
+        {"all",
+         [](TqsList *l, std::vector<TqsListNode *> *) { tqsListDeleteNodeAll(l, TQS_LIST_KEEP_ITEMS); },
+         {7}},
+        {"take the first",
+         [](TqsList *l, std::vector<TqsListNode *> *) {
+             void *item;
+             tqsListGetItemFirstAndDeleteNode(l, &item);
+         },
+         {1, 2, 3, 7}},
+        {"take the cursor on the tail",
+         [](TqsList *l, std::vector<TqsListNode *> *) {
+             void *item;
+             tqsListSetCurNodeFirst(l);
+             for (int i = 0; i < 3; ++i) tqsListGetItemNext(l, &item);
+             tqsListGetItemNextAndDeleteNode(l, &item);
+         },
+         {0, 1, 2, 7}},
+        {"take the tail by index (the head jumps to null)",
+         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
+             void *item;
+             for (TqsListNode *n = l->ptHead; n->ptNext != nullptr; n = n->ptNext) dropped->push_back(n);
+             tqsListGetItemIndexAndDeleteNode(l, &item, 3);
+         },
+         {7}},
+        {"take an inner node by index",
+         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
+             void *item;
+             dropped->push_back(l->ptHead);
+             tqsListGetItemIndexAndDeleteNode(l, &item, 1);
+         },
+         {2, 3, 7}},
+        {"take the cursor on a dropped node",
+         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
+             void *item;
+             dropped->push_back(l->ptHead->ptNext);
+             tqsListSetCurNodeFirst(l);
+             tqsListGetItemIndexAndDeleteNode(l, &item, 2);
+             tqsListGetItemNextAndDeleteNode(l, &item);
+         },
+         {3, 7}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        MemCheck check;
+        TqsList *list = ListOf({0, 1, 2, 3});
+        std::vector<TqsListNode *> dropped;
+        c.remove(list, &dropped);
+        ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
+        std::vector<void *> expected;
+        for (int i : c.expected) expected.push_back(Item(i));
+        EXPECT_EQ(Walk(list), expected);
+        ASSERT_EQ(tqsListAddNodeLast(list, Item(6)), TQS_OK);  // and again behind it
+        expected.push_back(Item(6));
+        EXPECT_EQ(Walk(list), expected);
+        tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+        for (TqsListNode *n : dropped) tqsMemFree_debug(n);
+        EXPECT_TRUE(check.Live().empty());
+    }
+    // An empty list filled from the front, then from the back.
+    TqsList *list = nullptr;
+    ASSERT_EQ(tqsListCreate(&list, nullptr), TQS_OK);
+    ASSERT_EQ(tqsListAddNodeFirst(list, Item(5)), TQS_OK);
+    ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
+    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(5), Item(7)}));
+    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+}
+
 TEST(TqsList, LongChainsNeedNoRecursion) {
     TqsList *list = nullptr;
     ASSERT_EQ(tqsListCreate(&list, nullptr), TQS_OK);

@@ -11,7 +11,8 @@ static const uint32_t kLineLastNode = 78;
 static const uint32_t kLineFirstNode = 120;
 
 static_assert(sizeof(TqsListNode) == 2 * sizeof(void *), "TqsListNode: pItem, ptNext");
-static_assert(sizeof(TqsList) == 3 * sizeof(void *), "TqsList: nCount, ptHead, ptCur");
+static_assert(sizeof(TqsList) == 4 * sizeof(void *), "TqsList: nCount, ptHead, ptCur, then the private tail");
+static_assert(offsetof(TqsList, ptCur) == 2 * sizeof(void *), "TqsList: the public fields keep their order");
 
 namespace {
 
@@ -77,6 +78,8 @@ TqsListNode *Previous(const TqsList *list, const TqsListNode *target) {
 // this is also the defined choice).
 void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
     if (list->ptCur == node) list->ptCur = node->ptNext;
+    // The tail has no successor: its previous node becomes the tail, or the chain is empty.
+    if (list->_ptTail == node) list->_ptTail = previous;
     if (previous != nullptr) {
         previous->ptNext = node->ptNext;
     } else if (list->ptHead == node) {
@@ -104,6 +107,7 @@ TqsResult tqsListCreate(TqsList **out, void *item) {
             return TQS_ERROR_LIST_ALLOC;
         }
         list->ptHead = node;
+        list->_ptTail = node;
         list->nCount = 1;
     }
     *out = list;
@@ -116,12 +120,12 @@ TqsResult tqsListAddNodeLast(TqsList *list, void *item) {
     if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
     if (list->ptHead == nullptr) {
         list->ptHead = node;
+        list->_ptTail = node;
         list->nCount = 1;
         return TQS_OK;
     }
-    TqsListNode *last = list->ptHead;
-    while (last->ptNext != nullptr) last = last->ptNext;
-    last->ptNext = node;
+    list->_ptTail->ptNext = node;  // the node the walk from the head would end on
+    list->_ptTail = node;
     list->nCount++;
     return TQS_OK;
 }
@@ -131,6 +135,7 @@ TqsResult tqsListAddNodeFirst(TqsList *list, void *item) {
     TqsListNode *node = NewNode(item, kLineFirstNode);
     if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
     node->ptNext = list->ptHead;
+    if (list->ptHead == nullptr) list->_ptTail = node;
     list->nCount = (list->ptHead == nullptr) ? 1 : list->nCount + 1;
     list->ptHead = node;
     return TQS_OK;
@@ -164,6 +169,7 @@ TqsResult tqsListDeleteNodeAll(TqsList *list, TqsListReleaseFn release) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     FreeChain(list->ptHead, release);
     list->ptHead = nullptr;
+    list->_ptTail = nullptr;
     list->ptCur = nullptr;
     list->nCount = 0;
     return TQS_OK;
