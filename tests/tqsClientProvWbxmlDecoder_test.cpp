@@ -972,12 +972,29 @@ TEST_F(Decoder, ListParmsAndLenientDomain) {
     EXPECT_EQ(Tree(failingDomain(prov::kPxLogical), 0x1005), "");
 }
 
-TEST_F(Decoder, SecondNameValuePairInOneListParmExtendsItsItem) {
-    // The item already in the list is extended (not added again, not left freed).
-    wbxml::Builder b;
-    b.Doc().Characteristic(prov::kPort).Tag(prov::kTagParm, false, true);
-    b.Bytes({0x24, 0x06, prov::kClWsp, 0x24, 0x06, prov::kIpv4}).End().End().End();
-    EXPECT_EQ(Tree(b), "PORT\n  SERVICE=CL-WSPIPV4\n");
+TEST_F(Decoder, SecondNameValuePairInOneListParm) {
+    // The second pair reads into the text already listed. A replaced text keeps
+    // both items; a joined one keeps the listed text and adds the extension
+    // (joining would otherwise free a listed item); an unchanged or dropped
+    // value adds nothing.
+    struct Case {
+        Bytes second;  // after the first pair SERVICE=CL-WSP
+        const char *tree;
+    };
+    const Case cases[] = {
+        {{0x24, 0x06, prov::kIpv4}, "PORT\n  SERVICE=CL-WSP\n  SERVICE=CL-WSPIPV4\n"},
+        {{0x24, 0x06, 0x03, 'x', 0}, "PORT\n  SERVICE=CL-WSP\n  SERVICE=CL-WSPx\n"},
+        {{0x24, 0x06, 0xC3, 0x02, 'o', 'p'}, "PORT\n  SERVICE=CL-WSP\n  SERVICE=op\n"},
+        {{0x24, 0x06, 0xE0}, "PORT\n  SERVICE=CL-WSP\n  SERVICE=<0xE0>\n"},
+        {{0x24, 0x06}, "PORT\n  SERVICE=CL-WSP\n"},
+        {{0x24}, "PORT\n  SERVICE=CL-WSP\n"},
+    };
+    for (const Case &c : cases) {
+        wbxml::Builder b;
+        b.Doc().Characteristic(prov::kPort).Tag(prov::kTagParm, false, true);
+        b.Bytes({0x24, 0x06, prov::kClWsp}).Bytes(c.second).End().End().End();
+        EXPECT_EQ(Tree(b), c.tree);
+    }
 }
 
 TEST_F(Decoder, UnknownParmTraces) {

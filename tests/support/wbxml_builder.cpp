@@ -68,7 +68,7 @@ Builder &Builder::Byte(uint8_t b) {
     return *this;
 }
 
-Builder &Builder::Bytes(std::initializer_list<uint8_t> bytes) {
+Builder &Builder::Bytes(const std::vector<uint8_t> &bytes) {
     body_.insert(body_.end(), bytes.begin(), bytes.end());
     return *this;
 }

@@ -212,7 +212,7 @@ class Builder {
 
     // ---- Raw body bytes --------------------------------------------------
     Builder &Byte(uint8_t b);
-    Builder &Bytes(std::initializer_list<uint8_t> bytes);
+    Builder &Bytes(const std::vector<uint8_t> &bytes);
     Builder &MbUint32(uint32_t value);
     Builder &Tag(uint8_t id, bool content, bool attributes);
     Builder &End();

@@ -19,10 +19,7 @@ extern "C" {
 #endif
 
 struct TqsList;
-struct TqsListNode;
 struct SmlBuffer;
-
-#define TQS_WBXML_TAIL_CACHE 8
 
 /* ---- Document tree ------------------------------------------------------ */
 
@@ -247,11 +244,6 @@ typedef struct tqsWbxmlDecoder {
     /* Private to the decoder. */
     uint32_t nStrTableBytes; /* size of the pStringTable block */
     uint32_t nDepth;         /* characteristic nesting now being decoded (bounded) */
-    /* Last nodes of recently extended lists, so appends stay O(1). */
-    struct TqsList *aptTailList[TQS_WBXML_TAIL_CACHE];
-    struct TqsListNode *aptTailNode[TQS_WBXML_TAIL_CACHE];
-    uint32_t anTailCount[TQS_WBXML_TAIL_CACHE];
-    uint32_t nTailNext;
 } tqsWbxmlDecoder;
 
 /* ---- Creation and release ----------------------------------------------- */

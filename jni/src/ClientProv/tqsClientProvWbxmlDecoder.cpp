@@ -89,6 +89,10 @@ inline uint32_t TextLen(const char *psz) {
 // *ppszText becomes a new block: old text, separator, nAddLen bytes of pAdd.
 // kHidden leaves the separator byte zero, so the addition lies behind the
 // terminator. Returns false (text untouched) when the allocation fails.
+// A text that a list parm has already placed in its list while it reads
+// another value into the same text (see ParamListString): joining must not free it.
+const char *g_pszListedText = nullptr;
+
 bool JoinText(char **ppszText, const char *pAdd, uint32_t nAddLen, Join eJoin) {
     char *pszOld = *ppszText;
     uint32_t nOld = TextLen(pszOld);
@@ -99,7 +103,7 @@ bool JoinText(char **ppszText, const char *pAdd, uint32_t nAddLen, Join eJoin) {
     if (nSep != 0) pszNew[nOld] = eJoin == Join::kComma ? ',' : '\0';
     if (nAddLen != 0) memcpy(pszNew + nOld + nSep, pAdd, nAddLen);
     pszNew[nOld + nSep + nAddLen] = '\0';
-    tqsMemFree_debug(pszOld);
+    if (pszOld != g_pszListedText) tqsMemFree_debug(pszOld);
     *ppszText = pszNew;
     return true;
 }
@@ -174,47 +178,6 @@ constexpr ValueIndex BuildValueIndex() {
 constexpr ValueIndex kValueIndex = BuildValueIndex();
 static_assert(kValueIndex.at[0x91].nTable == 3, "0x91 reads as HTTP");
 static_assert(kValueIndex.at[0xCB].nTable == 0, "CO-WSP lies beyond the scan");
-
-// ---- List appends in O(1) ----------------------------------------------------
-
-// tqsListAddNodeLast walks from the head to the tail. With the head pointed at
-// a known tail node for the call, the walk is one step; the head is restored.
-// Returns the new last node, or null when nothing was added.
-TqsListNode *AppendItem(tqsWbxmlDecoder *ptDecoder, TqsList *ptList, void *pItem) {
-    if (ptList == nullptr || pItem == nullptr) return nullptr;
-    TqsListNode *ptTail = nullptr;
-    uint32_t nSlot = TQS_WBXML_TAIL_CACHE;
-    for (uint32_t i = 0; i < TQS_WBXML_TAIL_CACHE; ++i) {
-        if (ptDecoder->aptTailList[i] == ptList) {
-            nSlot = i;
-            if (ptDecoder->anTailCount[i] == ptList->nCount) ptTail = ptDecoder->aptTailNode[i];
-            break;
-        }
-    }
-    if (ptTail == nullptr && ptList->ptHead != nullptr) {
-        ptTail = ptList->ptHead;
-        while (ptTail->ptNext != nullptr) ptTail = ptTail->ptNext;
-    }
-    if (ptTail == nullptr) {
-        if (tqsListAddNodeLast(ptList, pItem) != TQS_OK) return nullptr;
-        ptTail = ptList->ptHead;
-    } else {
-        TqsListNode *ptHead = ptList->ptHead;
-        ptList->ptHead = ptTail;
-        TqsResult nRet = tqsListAddNodeLast(ptList, pItem);
-        ptList->ptHead = ptHead;
-        if (nRet != TQS_OK) return nullptr;
-        ptTail = ptTail->ptNext;
-    }
-    if (nSlot == TQS_WBXML_TAIL_CACHE) {
-        nSlot = ptDecoder->nTailNext;
-        ptDecoder->nTailNext = (ptDecoder->nTailNext + 1) % TQS_WBXML_TAIL_CACHE;
-        ptDecoder->aptTailList[nSlot] = ptList;
-    }
-    ptDecoder->aptTailNode[nSlot] = ptTail;
-    ptDecoder->anTailCount[nSlot] = ptList->nCount;
-    return ptTail;
-}
 
 TqsResult SkipTwoBytes(tqsWbxmlDecoder *ptDecoder) {
     uint8_t nId;
@@ -719,8 +682,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamListString(tqsWbxmlDecoder *p
     tqcTrace("tqsClientProvWbxmlDecoderParamListString");
     tqcTrace("DecoderParam : nTag = [0x%02x]", nTag);
     TqsList *ptList = *pptList;
-    char *pszValue = nullptr;
-    TqsListNode *ptValueNode = nullptr;  // node holding pszValue
+    char *pszValue = nullptr;  // not reset between rounds
     for (;;) {
         uint8_t nByte;
         TqsResult nRet = tqsClientProvWbxmlDecoderCurElementNotAND(ptDecoder, &nByte);
@@ -729,23 +691,23 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamListString(tqsWbxmlDecoder *p
             *pptList = ptList;
             return TQS_OK;
         }
-        char *pszBefore = pszValue;
+        // A second name/value pair in one parm reads into the text the first
+        // pair put in the list. Joining to it would leave the list holding a
+        // freed text: the listed text stays, the extended one becomes the next
+        // item, and a value left unchanged is not listed twice.
+        char *pszListed = pszValue;
+        g_pszListedText = pszListed;
         nRet = tqsClientProvWbxmlDecoderParamString(ptDecoder, &pszValue, nByte);
+        g_pszListedText = nullptr;
         if (nRet != TQS_OK) return nRet;
-        if (pszBefore != nullptr && ptValueNode != nullptr) {
-            // A second name/value pair in one parm extends the value already in
-            // the list: its item is updated instead of the same text added twice.
-            if (pszValue != nullptr) ptValueNode->pItem = pszValue;
-            continue;
-        }
+        if (pszListed != nullptr && pszValue == pszListed) continue;
         if (ptList == nullptr) {
             if (tqsListCreate(&ptList, pszValue) != TQS_OK || ptList == nullptr) {
                 tqcTrace("[Error] [tqsClientProvWbxmlDecoderParamListString] ptTmpList NULL");
                 return TQS_ERROR_FAILED;
             }
-            ptValueNode = ptList->ptHead;
         } else {
-            ptValueNode = AppendItem(ptDecoder, ptList, pszValue);
+            tqsListAddNodeLast(ptList, pszValue);  // a null value is refused
         }
     }
 }
@@ -910,7 +872,6 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlBody(tqsWbxmlDecoder *ptDecod
     tqcTrace("tqsClientProvWbxmlDecoderWbxmlBody");
     if (ptDecoder->ptBuffer == nullptr) return TQS_ERROR_WBXML_NO_BUFFER;
     ptDecoder->nDepth = 0;
-    memset(ptDecoder->aptTailList, 0, sizeof ptDecoder->aptTailList);
     tqsWapDoc *ptWapDoc =
         static_cast<tqsWapDoc *>(tqsMemAllocSetZero_debug(sizeof(tqsWapDoc) + 1, kUnitPath, __LINE__));
     if (ptWapDoc == nullptr) {
@@ -1042,7 +1003,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCharacterList(tqsWbxmlDecoder *ptD
                 return TQS_ERROR_FAILED;
             }
         } else {
-            AppendItem(ptDecoder, ptList, ptCharacter);
+            tqsListAddNodeLast(ptList, ptCharacter);  // a null (empty) characteristic is refused
         }
         uint8_t nId;
         nRet = tqsClientProvWbxmlDecoderCurElement(ptDecoder, &nId);
