@@ -922,15 +922,37 @@ TEST_F(Decoder, HandlerQuirks) {
 }
 
 TEST_F(Decoder, NameStringFailurePaths) {
-    // VENDORCONFIG: a name read that fails, a cut after the name, a value read
-    // that fails; whatever was read stays with the record.
-    for (const Bytes &tail :
-         {Bytes{0x05, 0x83}, Bytes{0x05, 0x03, 'n', 0}, Bytes{0x05, 0x03, 'n', 0, 0x06, 0x83}}) {
+    // VENDORCONFIG: a name read that fails (before and after a piece of the
+    // name was read), a cut after the name, a value read that fails. Whatever was read stays
+    // with the record; the release of the field's own address is only looked
+    // up by the tracker (one "not found" line), never freed.
+    const struct {
+        Bytes tail;
+        bool nameLine;  // the "pszName NULL" line
+        int notFound;   // tracker lines
+    } vendorCases[] = {
+        {{0x05, 0x83}, false, 0},
+        {{0x05, 0x03, 'n', 0, 0x83}, true, 1},
+        {{0x05, 0x03, 'n', 0}, true, 1},
+        {{0x05, 0x85}, false, 1},
+        {{0x05, 0x03, 'n', 0, 0x06, 0x83}, false, 1},
+    };
+    for (const auto &c : vendorCases) {
         wbxml::Builder b;
-        b.Doc().Characteristic(prov::kVendorConfig).Tag(prov::kTagParm, false, true);
-        for (uint8_t byte : tail) b.Byte(byte);
+        b.Doc().Characteristic(prov::kVendorConfig).Tag(prov::kTagParm, false, true).Bytes(c.tail);
         tqsWapDoc *doc = nullptr;
+        TraceCapture trace;
+        testing::internal::CaptureStdout();
         EXPECT_EQ(Decode(b.Build(), &doc), 0x1007u);
+        std::string out = testing::internal::GetCapturedStdout();
+        int notFound = 0;
+        for (size_t at = out.find("[syncml] MEMCHECK Not Found Address \n"); at != std::string::npos;
+             at = out.find("[syncml] MEMCHECK Not Found Address \n", at + 1)) {
+            ++notFound;
+        }
+        EXPECT_EQ(notFound, c.notFound) << out;
+        EXPECT_EQ(trace.Contains("[tqsClientProvWbxmlDecoderParamVendorNameString] pszName NULL\n"),
+                  c.nameLine);
     }
     // WI-FI and ROAMING handlers take no record check: without one, a listed
     // name is treated like an unlisted one and its value token is refused.
@@ -1095,6 +1117,24 @@ void ApplyDecoderRules(std::vector<waptree::Node> *nodes) {
     }
 }
 
+// Refused real samples, each traced byte by byte through the decoder's steps;
+// in every case the steps refuse the bytes exactly where the decoder does:
+//
+// | sample                  | status | where the steps stop                                         |
+// |-------------------------|--------|--------------------------------------------------------------|
+// | apnprov-ref-myapn       | 0x1005 | `01 00 00 01` at the end: after the last characteristic of   |
+// |                         |        | the top run the next element must be a characteristic; the   |
+// |                         |        | SWITCH_PAGE is read as a tag with id 0                        |
+// | cpc-data-sync           | 0x1005 | `87 05 03 "SYNCTYPE"` in RESOURCE: its table has no 0x05      |
+// | moz-provcont-appendix-c | 0x1005 | `87 47` (PULLENABLED) in PXLOGICAL: not in its table          |
+// | mihini-dm-bootstrap     | 0x1005 | `87 05 03 "TO-PROXY"` after the nested APPADDR closes: the    |
+// |                         |        | APPLICATION's run of characteristics reads the parm as one    |
+// | vn-viettel-8x85,        | 0x1005 | `87 21 06 85 03 00 01` in PXPHYSICAL: the content reader      |
+// | vn-vinaphone-8x85       |        | takes the known token 0x85 alone, the handler then meets 03   |
+// | ws-sync-server          | 0x1007 | `06 03 "text/x-vcard" 00 00 01 90 ...` (AACCEPT): the string  |
+// |                         |        | run meets 0x00, which is no value token: the run fails        |
+// | own/wifi-roaming        | 0x1007 | `87 05 03 "P" 00 E1`: the name run meets 0xE1, unknown to the |
+// |                         |        | value tables: the name read fails                             |
 struct Sample {
     const char *path;                                        // corpus-relative
     TqsResult status;                                        // of the decode

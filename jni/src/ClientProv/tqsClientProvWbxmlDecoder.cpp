@@ -1690,6 +1690,17 @@ TQS_DEFINE_NAME_HANDLER(tqsClientProvWbxmlDecoderParamRoamingNameString, tqsWapR
 TQS_DEFINE_NAME_HANDLER(tqsClientProvWbxmlDecoderParamWifiNameString, tqsWapWifi, kWifi)
 #undef TQS_DEFINE_NAME_HANDLER
 
+namespace {
+
+// The vendor parm's failure paths hand a field's own address to the release
+// routine. Freeing it would be undefined; the lookup that precedes the free
+// (and its "not found" line while tracking is on) is what remains.
+void ReleaseFieldAddress(char **ppszField) {
+    if (bMemCheck != 0) tqsMemFindByAddress(ppszField);
+}
+
+}  // namespace
+
 extern "C" TqsResult tqsClientProvWbxmlDecoderParamVendorNameString(tqsWbxmlDecoder *ptDecoder,
                                                                     char **ppszName, char **ppszValue,
                                                                     uint8_t nTagID) {
@@ -1699,10 +1710,13 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamVendorNameString(tqsWbxmlDeco
     // Only the last name/value pair is kept; earlier ones are dropped, not released.
     *ppszName = nullptr;
     nRet = tqsClientProvWbxmlDecoderContent(ptDecoder, ppszName);
-    // On its failure paths the established routine hands the field's own
-    // address to the allocator's free, which is undefined; the text simply
-    // stays with the record here.
-    if (nRet != TQS_OK) return nRet;
+    if (nRet != TQS_OK) {
+        if (*ppszName != nullptr) {
+            tqcTrace("[tqsClientProvWbxmlDecoderParamVendorNameString] pszName NULL");
+            ReleaseFieldAddress(ppszName);  // the text stays with the record
+        }
+        return nRet;
+    }
     if (*ppszName == nullptr) {
         tqcTrace("[tqsClientProvWbxmlDecoderParamVendorNameString] pszName NULL");
         return TQS_ERROR_FAILED;
@@ -1710,14 +1724,20 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamVendorNameString(tqsWbxmlDeco
     tqcTrace("[tqsClientProvWbxmlDecoderParamVendorNameString] pszName [%s]", *ppszName);
     uint8_t nId;
     nRet = tqsClientProvWbxmlDecoderCurAttr(ptDecoder, &nId);
-    if (nRet != TQS_OK) return nRet;
+    if (nRet != TQS_OK) {
+        ReleaseFieldAddress(ppszName);
+        return nRet;
+    }
     tqcTrace("[tqsClientProvWbxmlDecoderParamVendorNameString] nID [0x%x]", nId);
     if (nId == kTokEnd) {
         tqcTrace("[tqsClientProvWbxmlDecoderParamNameString] nID [0x%x]", nId);
     } else if (nId == kTokValue) {
         *ppszValue = nullptr;
         nRet = tqsClientProvWbxmlDecoderParamValue(ptDecoder, ppszValue);
-        if (nRet != TQS_OK) return nRet;
+        if (nRet != TQS_OK) {
+            ReleaseFieldAddress(ppszValue);
+            return nRet;
+        }
         tqcTrace("--------------------------[%s]", Str(*ppszValue));
     }
     return nRet;
