@@ -54,7 +54,8 @@ void ForgetSpilled(const void *block) {
 
 bool SiteAllowed(const char *file, uint32_t line, const Site *sites, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-        if (sites[i].line == line && file != nullptr && std::strcmp(sites[i].file, file) == 0) {
+        if ((sites[i].line == 0 || sites[i].line == line) && file != nullptr &&
+        std::strcmp(sites[i].file, file) == 0) {
             return true;
         }
     }

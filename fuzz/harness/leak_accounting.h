@@ -8,8 +8,13 @@
 //     alone (ROAMING records, NAPDEF INIT, APPLICATION FROM/XCAP, the Wi-Fi
 //     chain of a context, NAPDEF records cut off by the cursor, ...) right
 //     before those routines run;
-//   - or a block from one of the fixed allocation sites given to Check() (the
-//     push header record on a refused content type, the body copy).
+//   - or a block from one of the allocation sites given to the check: the
+//     push header record on a refused content type and the body copy (fixed
+//     lines), and the decoder's own allocations, which its failure paths and
+//     repeated parms leave behind by design wherever they happen (the
+//     characteristic and record being decoded, lists of the failing run,
+//     overwritten values, the APPLICATION scratch block): any line of that
+//     unit and of the list unit.
 // Anything else is a leak: the target prints the sites and aborts, so that
 // libFuzzer keeps the input. Afterwards the target frees the kept blocks
 // itself, which keeps LeakSanitizer meaningful for everything else.

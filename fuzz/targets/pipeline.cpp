@@ -27,8 +27,14 @@ namespace {
 
 const char kPushHandler[] = "jni/src/ClientProv/tqspushhandler";
 // The header record of a refused content type and every body copy stay
-// allocated; neither is reachable from outside the session.
-const fuzz::Site kKeptSites[] = {{kPushHandler, 51}, {kPushHandler, 167}};
+// allocated; neither is reachable from outside the session. The decoder
+// leaves behind what a failing characteristic had built and overwritten
+// values (any block of the decoder and list units). The context's kept
+// blocks are noted by address.
+const fuzz::Site kKeptSites[] = {{kPushHandler, 51},
+                                 {kPushHandler, 167},
+                                 {"jni/src/ClientProv/tqsClientProvWbxmlDecoder", 0},
+                                 {"jni/src/ClientProv/tqslist", 0}};
 
 fakejni::FakeJvm *g_jvm = nullptr;
 
