@@ -23,7 +23,7 @@ for seeds in fuzz/seeds/*/; do
     continue
   fi
   ran=$((ran + 1))
-  common=(-max_len=65536 -timeout=1 -rss_limit_mb=2048 -dict=fuzz/dict/provisioning.dict
+  common=(-max_len=65536 -timeout=2 -rss_limit_mb=2048 -dict=fuzz/dict/provisioning.dict
           -close_fd_mask=1 -artifact_prefix="$artifacts/$name-")
 
   echo "== fuzz $name: replay of $(ls "$seeds" | wc -l) seeds"

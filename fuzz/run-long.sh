@@ -41,7 +41,7 @@ for t in "${targets[@]}"; do
   dir=$campaign/$t
   mkdir -p "$dir/corpus" "$dir/artifacts"
   nice -n 10 "$exe" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
-    -max_total_time="$seconds" -max_len=65536 -timeout=1 -rss_limit_mb=2048 \
+    -max_total_time="$seconds" -max_len=65536 -timeout=2 -rss_limit_mb=2048 \
     -dict=fuzz/dict/provisioning.dict -close_fd_mask=1 \
     -artifact_prefix="$dir/artifacts/" "$dir/corpus" "fuzz/seeds/$t" >"$dir/fuzz.log" 2>&1 &
   pids+=($!)

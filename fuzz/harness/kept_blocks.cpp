@@ -17,6 +17,8 @@ namespace {
 //   n  context chain of string nodes       r  context chain of child records
 //   R  context chain the release routines leave allocated, whole
 //   x  ptNext of a context chain
+//   f  owned string, released, whose conversion left an unreachable copy of
+//      the same text behind (APPLICATION FROM is copied twice)
 struct Layout {
     const char *kinds;
     const Layout *children[8];  // record layouts of the r/R fields, in order
@@ -77,7 +79,7 @@ constexpr Layout kCtxAppAuth{"sssssx", {}};
 constexpr Layout kCtxResource{"ssssssssx", {}};
 constexpr Layout kCtxRoaming{"ssx", {}};
 constexpr Layout kCtxApplication{
-    "sssssssk"
+    "ssfssssk"
     "kkkknnnrrrRx",
     {&kCtxAppAddr, &kCtxAppAuth, &kCtxResource, &kCtxRoaming}};
 constexpr Layout kCtxAccess{"nnnnnnx", {}};
@@ -122,6 +124,7 @@ static_assert(Fields(kCtxWifi) * sizeof(void *) == sizeof(tqsCtxWifi));
 static_assert(Fields(kCtxRoot) * sizeof(void *) == sizeof(tqsClientProvCtx));
 static_assert(sizeof(tqsCtxStrNode) == 2 * sizeof(void *));
 
+const char kCtxUnit[] = "jni/src/ClientProv/tqsClientProvCtx";
 int g_malformed = 0;
 volatile std::size_t g_sink = 0;
 
@@ -222,6 +225,10 @@ int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
                 break;
             case 'k':
                 KeepString(value);
+                break;
+            case 'f':
+                keepAll ? KeepString(value) : Touch(value);
+                KeptCopyOf(static_cast<const char *>(value), kCtxUnit);
                 break;
             case 'n':
                 WalkStrNodes(static_cast<const tqsCtxStrNode *>(value), keepAll);

@@ -44,6 +44,11 @@ void StartLeakAccounting();
 // Notes a block the library deliberately keeps (null is ignored).
 void Kept(const void *block);
 
+// Notes that the library left behind one unreachable copy of `text` (the
+// first copy of a context string that a second copy replaced): one still
+// allocated block of that unit holding the same bytes is accepted for it.
+void KeptCopyOf(const char *text, const char *unit);
+
 // Checks the blocks still allocated against Kept() and `sites`, aborts on a
 // stray block, then frees every remaining block and forgets the kept set.
 void CheckAndReleaseKept(const Site *sites, std::size_t count);

@@ -82,36 +82,23 @@ AnyFn Any(F *f) {
     return reinterpret_cast<AnyFn>(f);
 }
 
-jint CallInt(AnyFn fn, int arity, const int *a) {
+// Calls a getter through its exact type: R(JNIEnv*, jclass, jint x arity).
+template <typename R>
+R Call(AnyFn fn, int arity, const int *a) {
     JNIEnv *env = g_jvm->env();
     switch (arity) {
         case 0:
-            return reinterpret_cast<jint (*)(JNIEnv *, jclass)>(fn)(env, nullptr);
+            return reinterpret_cast<R (*)(JNIEnv *, jclass)>(fn)(env, nullptr);
         case 1:
-            return reinterpret_cast<jint (*)(JNIEnv *, jclass, jint)>(fn)(env, nullptr, a[0]);
+            return reinterpret_cast<R (*)(JNIEnv *, jclass, jint)>(fn)(env, nullptr, a[0]);
         case 2:
-            return reinterpret_cast<jint (*)(JNIEnv *, jclass, jint, jint)>(fn)(env, nullptr, a[0], a[1]);
-        default:
-            return reinterpret_cast<jint (*)(JNIEnv *, jclass, jint, jint, jint)>(fn)(env, nullptr, a[0],
-                                                                                      a[1], a[2]);
-    }
-}
-
-jobject CallObject(AnyFn fn, int arity, const int *a) {
-    JNIEnv *env = g_jvm->env();
-    switch (arity) {
-        case 0:
-            return reinterpret_cast<jobject (*)(JNIEnv *, jclass)>(fn)(env, nullptr);
-        case 1:
-            return reinterpret_cast<jobject (*)(JNIEnv *, jclass, jint)>(fn)(env, nullptr, a[0]);
-        case 2:
-            return reinterpret_cast<jobject (*)(JNIEnv *, jclass, jint, jint)>(fn)(env, nullptr, a[0], a[1]);
+            return reinterpret_cast<R (*)(JNIEnv *, jclass, jint, jint)>(fn)(env, nullptr, a[0], a[1]);
         case 3:
-            return reinterpret_cast<jobject (*)(JNIEnv *, jclass, jint, jint, jint)>(fn)(env, nullptr, a[0],
-                                                                                         a[1], a[2]);
+            return reinterpret_cast<R (*)(JNIEnv *, jclass, jint, jint, jint)>(fn)(env, nullptr, a[0], a[1],
+                                                                                   a[2]);
         default:
-            return reinterpret_cast<jobject (*)(JNIEnv *, jclass, jint, jint, jint, jint)>(fn)(
-                env, nullptr, a[0], a[1], a[2], a[3]);
+            return reinterpret_cast<R (*)(JNIEnv *, jclass, jint, jint, jint, jint)>(fn)(env, nullptr, a[0],
+                                                                                         a[1], a[2], a[3]);
     }
 }
 
@@ -268,18 +255,18 @@ int Numbers(int count, bool innermost, int *out) {
 
 void CheckResult(const Getter &g, const int *args, bool inRange) {
     if (g.ret == Ret::kInt) {
-        const jint v = CallInt(g.fn, g.arity, args);
+        const jint v = Call<jint>(g.fn, g.arity, args);
         if (v < 0) Fail(g.name, "negative count", args, g.arity);
         if (g.expect == Expect::kCount && !inRange && v != 0) {
             Fail(g.name, "count for a record that does not exist", args, g.arity);
         }
         return;
     }
-    jobject result = CallObject(g.fn, g.arity, args);
     if (g.ret == Ret::kString) {
+        const jstring result = Call<jstring>(g.fn, g.arity, args);
         const bool isNull = result == nullptr;
         // Reading it back checks that it is a live string object.
-        if (!isNull) (void)g_jvm->string(static_cast<jstring>(result));
+        if (!isNull) (void)g_jvm->string(result);
         switch (g.expect) {
             case Expect::kStrList:
                 if (isNull == inRange)
@@ -298,13 +285,14 @@ void CheckResult(const Getter &g, const int *args, bool inRange) {
         }
         return;
     }
+    const jobjectArray result = Call<jobjectArray>(g.fn, g.arity, args);
     if (result == nullptr) {
         if (g.expect == Expect::kArray && inRange) Fail(g.name, "null record in range", args, g.arity);
         if (std::strcmp(g.name, "GetProxyData") == 0) Fail(g.name, "null array", args, g.arity);
         return;
     }
     if (g.expect == Expect::kArray && !inRange) Fail(g.name, "record out of range", args, g.arity);
-    const auto elements = g_jvm->strings(static_cast<jobjectArray>(result));
+    const auto elements = g_jvm->strings(result);
     if (static_cast<int>(elements.size()) != g.length) Fail(g.name, "wrong array length", args, g.arity);
     if (std::strcmp(g.name, "GetPxNapDefData") == 0) {
         // A textual address type shifts the tail by one: end mark at 27, an
@@ -322,7 +310,7 @@ void Sweep(const Getter &g, int level, int *args, bool inRange) {
         return;
     }
     int count = 0;
-    if (level < g.path->depth) count = CallInt(g.path->counts[level], level, args);
+    if (level < g.path->depth) count = Call<jint>(g.path->counts[level], level, args);
     int numbers[8];
     const int n = Numbers(count, level == g.arity - 1, numbers);
     for (int i = 0; i < n; ++i) {

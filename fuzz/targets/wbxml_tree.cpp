@@ -44,8 +44,8 @@ void Run(void *arg) {
     }
     tqsWapDoc *doc = nullptr;
     const TqsResult status = tqsClientProvWbxmlDecoder(decoder, &doc);
+    // (Success without a tree is fine: a body that is just END has none.)
     if (status != 0 && doc != nullptr) Fail("a tree handed out on failure", status);
-    if (status == 0 && doc == nullptr) Fail("success without a tree", status);
     if (tqsClientProvWbxmlDeleteDecoder(decoder) != 0) Fail("decoder delete failed", 0);
     // Wrapped: walks the tree (reads every string, notes the kept blocks) first.
     tqsClientProvWbxmlDeleteWapDoc(doc);
