@@ -31,13 +31,19 @@ for t in "${targets[@]}"; do replays+=(--target "fuzz_${t}_replay"); done
 cmake --build --preset default -j2 "${replays[@]}" >/dev/null
 
 campaign=fuzz/work/campaign-$(date -u +%Y%m%dT%H%MZ)
-mkdir -p "$campaign"
+mkdir -p "$campaign/bin"
 echo "campaign $campaign: ${targets[*]} for ${seconds}s each"
+# Fork mode starts the executable again for every job: run copies, so that
+# rebuilding the tree meanwhile does not change what is being fuzzed.
+for t in "${targets[@]}"; do
+  [ -x "build/fuzz/fuzz/fuzz_$t" ] || { echo "fuzz_$t is not built (library incomplete?)" >&2; exit 1; }
+  cp "build/fuzz/fuzz/fuzz_$t" "build/default/fuzz/fuzz_${t}_replay" "$campaign/bin/"
+done
+git rev-parse HEAD >"$campaign/commit"
 
 pids=()
 for t in "${targets[@]}"; do
-  exe=build/fuzz/fuzz/fuzz_$t
-  [ -x "$exe" ] || { echo "fuzz_$t is not built (library incomplete?)" >&2; exit 1; }
+  exe=$campaign/bin/fuzz_$t
   dir=$campaign/$t
   mkdir -p "$dir/corpus" "$dir/artifacts"
   nice -n 10 "$exe" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
@@ -57,11 +63,11 @@ summary=$campaign/summary.md
     dir=$campaign/$t
     execs=$(grep -oE '^#[0-9]+' "$dir/fuzz.log" | tail -n 1 | tr -d '#')
     took=$(grep -oE 'exiting: [0-9]+ time: [0-9]+s' "$dir/fuzz.log" | grep -oE '[0-9]+s$' || true)
-    edges=$(build/fuzz/fuzz/fuzz_"$t" -runs=0 -max_len=65536 -close_fd_mask=1 "$dir/corpus" 2>&1 |
+    edges=$("$campaign/bin/fuzz_$t" -runs=0 -max_len=65536 -close_fd_mask=1 "$dir/corpus" 2>&1 |
             grep -oE 'INITED cov: [0-9]+' | grep -oE '[0-9]+$' || true)
     files=$(find "$dir/corpus" -type f | wc -l)
     findings=$(find "$dir/artifacts" -type f | wc -l)
-    slowest=$(TQOMACP_FUZZ_NO_LEAKCHECK=1 build/default/fuzz/fuzz_"${t}"_replay --repeat 3 \
+    slowest=$(TQOMACP_FUZZ_NO_LEAKCHECK=1 "$campaign/bin/fuzz_${t}_replay" --repeat 3 \
               "$dir/corpus" "fuzz/seeds/$t" | sed -E 's/.*slowest ([0-9.]+ ms).*/\1/')
     echo "| $t | ${execs:-?} | ${took:-?} | ${edges:-?} | $files | $findings | $slowest |"
   done
