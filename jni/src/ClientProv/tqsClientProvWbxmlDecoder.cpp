@@ -93,11 +93,22 @@ inline uint32_t TextLen(const char *psz) {
 // another value into the same text (see ParamListString): joining must not free it.
 const char *g_pszListedText = nullptr;
 
+// Bytes the joins of the current decode have allocated so far. Every join
+// copies the whole text, so a document that keeps extending one value
+// (repeated parms, long runs of string-table references) would cost time and
+// memory quadratic in its size: past kJoinBudget a join fails the way a failed
+// allocation does. Real documents join a few kilobytes. Reset by each decode.
+constexpr uint64_t kJoinBudget = uint64_t{16} << 20;
+uint64_t g_nJoinBytes = 0;
+
 bool JoinText(char **ppszText, const char *pAdd, uint32_t nAddLen, Join eJoin) {
     char *pszOld = *ppszText;
     uint32_t nOld = TextLen(pszOld);
     uint32_t nSep = (pszOld != nullptr && eJoin != Join::kAppend) ? 1 : 0;
-    char *pszNew = static_cast<char *>(tqsMemAlloc_debug(nOld + nSep + nAddLen + 1, kUnitPath, __LINE__));
+    const uint64_t nNew = uint64_t{nOld} + nSep + nAddLen + 1;
+    if (g_nJoinBytes + nNew > kJoinBudget) return false;
+    g_nJoinBytes += nNew;
+    char *pszNew = static_cast<char *>(tqsMemAlloc_debug(static_cast<uint32_t>(nNew), kUnitPath, __LINE__));
     if (pszNew == nullptr) return false;
     if (nOld != 0) memcpy(pszNew, pszOld, nOld);
     if (nSep != 0) pszNew[nOld] = eJoin == Join::kComma ? ',' : '\0';
@@ -872,6 +883,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlBody(tqsWbxmlDecoder *ptDecod
     tqcTrace("tqsClientProvWbxmlDecoderWbxmlBody");
     if (ptDecoder->ptBuffer == nullptr) return TQS_ERROR_WBXML_NO_BUFFER;
     ptDecoder->nDepth = 0;
+    g_nJoinBytes = 0;
     tqsWapDoc *ptWapDoc =
         static_cast<tqsWapDoc *>(tqsMemAllocSetZero_debug(sizeof(tqsWapDoc) + 1, kUnitPath, __LINE__));
     if (ptWapDoc == nullptr) {
