@@ -125,7 +125,6 @@ static_assert(Fields(kCtxRoot) * sizeof(void *) == sizeof(tqsClientProvCtx));
 static_assert(sizeof(tqsCtxStrNode) == 2 * sizeof(void *));
 
 const char kCtxUnit[] = "jni/src/ClientProv/tqsClientProvCtx";
-int g_malformed = 0;
 volatile std::size_t g_sink = 0;
 
 void *Field(const void *record, std::size_t i) {
@@ -187,14 +186,11 @@ void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
 void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
     if (character == nullptr) return;
     if (keepAll) Kept(character);
-    int set = 0;
     for (int slot = 0; slot < static_cast<int>(sizeof(kCharacterSlots) / sizeof(void *)); ++slot) {
         const void *record = Field(character, static_cast<std::size_t>(slot));
         if (record == nullptr) continue;
-        ++set;
         WalkTreeRecord(record, *kCharacterSlots[slot], keepAll || slot == kRoamingSlot);
     }
-    if (set > 1) ++g_malformed;
 }
 
 // --- context ---------------------------------------------------------------------
@@ -270,12 +266,6 @@ void NoteKeptInContext(const tqsClientProvCtx *ctx) {
 
 void NoteWholeNapDef(const tqsCtxNapDef *napDef) {
     if (napDef != nullptr) WalkCtxRecord(napDef, kCtxNapDef, true);
-}
-
-int TakeMalformedCharacters() {
-    const int n = g_malformed;
-    g_malformed = 0;
-    return n;
 }
 
 }  // namespace fuzz

@@ -25,10 +25,6 @@ void NoteKeptInContext(const tqsClientProvCtx *ctx);
 // what tqomacp_SetPxNapDefIndex cuts off the chain.
 void NoteWholeNapDef(const tqsCtxNapDef *napDef);
 
-// Number of characteristics with more than one record slot set, seen by the
-// walkers since the last call (the decoder sets exactly one, or none).
-int TakeMalformedCharacters();
-
 }  // namespace fuzz
 
 #endif  // TQOMACP_FUZZ_KEPT_BLOCKS_H

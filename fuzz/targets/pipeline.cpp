@@ -402,9 +402,6 @@ void Run(void *arg) {
     if (ptCtx != nullptr) Fail("parser_del", "context still published", nullptr, 0);
 
     g_jvm->reset();
-    if (fuzz::TakeMalformedCharacters() != 0) {
-        Fail("decoder", "a characteristic with more than one record", nullptr, 0);
-    }
     fuzz::CheckAndReleaseKept(kKeptSites);
 }
 
