@@ -64,4 +64,18 @@ void RunOnSmallStack(void (*fn)(void *), void *arg) {
     pthread_mutex_unlock(&g_worker.mutex);
 }
 
+void RunInput(void (*work)(const Input &), const uint8_t *data, size_t size) {
+    static const uint8_t kEmpty[1] = {0};
+    struct Job {
+        void (*work)(const Input &);
+        Input input;
+    } job{work, {size == 0 ? kEmpty : data, size}};
+    RunOnSmallStack(
+        [](void *arg) {
+            const Job &j = *static_cast<const Job *>(arg);
+            j.work(j.input);
+        },
+        &job);
+}
+
 }  // namespace fuzz

@@ -360,13 +360,7 @@ void MoveNapDefCursor(uint8_t choice) {
     }
 }
 
-struct Input {
-    const uint8_t *data;
-    size_t size;
-};
-
-void Run(void *arg) {
-    const Input &in = *static_cast<const Input *>(arg);
+void Run(const fuzz::Input &in) {
     JNIEnv *env = g_jvm->env();
     jbyteArray pdu = g_jvm->newByteArray(in.data, in.size);
     const jlong len = static_cast<jlong>(in.size);
@@ -445,8 +439,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static const uint8_t kEmpty[1] = {0};
-    Input in{size == 0 ? kEmpty : data, size};
-    fuzz::RunOnSmallStack(Run, &in);
+    fuzz::RunInput(Run, data, size);
     return 0;
 }

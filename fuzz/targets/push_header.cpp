@@ -40,17 +40,8 @@ bool KnownContentType(uint64_t code) {
     }
 }
 
-struct Input {
-    const uint8_t *data;
-    size_t size;
-};
-
-void Run(void *arg) {
-    const Input &in = *static_cast<const Input *>(arg);
-    // libFuzzer hands a null pointer for the empty input; keep a real one so
-    // the parser's own null check is not what we exercise here.
-    static const uint8_t kEmpty[1] = {0};
-    const uint8_t *pdu = in.size == 0 ? kEmpty : in.data;
+void Run(const fuzz::Input &in) {
+    const uint8_t *pdu = in.data;
     SmlPushHeader *header = smlpushHdlrParsingWSPHeader(pdu, in.size);
     if (header != nullptr) {
         if (in.size < 3 || pdu[1] != 0x06) Fail("accepted a PDU that is not a push");
@@ -80,7 +71,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    Input in{data, size};
-    fuzz::RunOnSmallStack(Run, &in);
+    fuzz::RunInput(Run, data, size);
     return 0;
 }

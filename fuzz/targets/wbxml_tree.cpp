@@ -30,13 +30,7 @@ const fuzz::Site kKeptSites[] = {{"jni/src/ClientProv/tqsClientProvWbxmlDecoder"
     std::abort();
 }
 
-struct Input {
-    const uint8_t *data;
-    size_t size;
-};
-
-void Run(void *arg) {
-    const Input &in = *static_cast<const Input *>(arg);
+void Run(const fuzz::Input &in) {
     tqsWbxmlDecoder *decoder = nullptr;
     if (tqsClientProvWbxmlInitDecoder(&decoder, in.data, static_cast<uint32_t>(in.size)) != 0 ||
         decoder == nullptr) {
@@ -60,8 +54,6 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static const uint8_t kEmpty[1] = {0};
-    Input in{size == 0 ? kEmpty : data, size};
-    fuzz::RunOnSmallStack(Run, &in);
+    fuzz::RunInput(Run, data, size);
     return 0;
 }
