@@ -4,6 +4,7 @@
 #include <span>
 
 #include "tokens.h"
+#include "tqomacp_jni_names.h"
 #include "tqslist.h"
 
 namespace cpdump {
@@ -29,13 +30,18 @@ struct Field {
     const Record *child = nullptr;
 };
 
-using AppFn = void (*)(JsonWriter &, const void *record);
+// A stored value the application receives mapped, and which mapping.
+struct AppElement {
+    const char *key;
+    std::size_t offset;
+    tqsJniMapping mapping;
+};
 
 struct Record {
     const char *name;
     std::span<const Field> fields;
     std::size_t next = 0;  // offset of ptNext; 0 for records that are no chain
-    AppFn app = nullptr;
+    const AppElement *app = nullptr;
 };
 
 template <typename T = char>
@@ -196,38 +202,31 @@ const T *PointerAt(const void *record, std::size_t offset) {
 #define CHILD(T, f, n, rec) Field{n, offsetof(T, f), Kind::kChildChain, &rec},
 
 // The values the composite getters hand the application instead of the stored ones.
-void AppPxPhysical(JsonWriter &json, const void *record) {
-    const auto *r = static_cast<const tqsCtxPxPhysical *>(record);
-    if (r->pszPxAddrType != nullptr) json.String("PXADDRTYPE", AppPxAddrType(r->pszPxAddrType));
-}
+constexpr AppElement kAppPxAddrType{"PXADDRTYPE", offsetof(tqsCtxPxPhysical, pszPxAddrType),
+                                    TQS_JNI_MAP_PX_ADDR_TYPE};
+constexpr AppElement kAppNapAddrType{"NAP-ADDRTYPE", offsetof(tqsCtxNapDef, pszNapAddrType),
+                                     TQS_JNI_MAP_NAP_ADDR_TYPE};
+constexpr AppElement kAppAuthType{"AUTHTYPE", offsetof(tqsCtxNapAuthInfo, pszAuthType),
+                                  TQS_JNI_MAP_AUTH_TYPE};
+constexpr AppElement kAppAAuthLevel{"AAUTHLEVEL", offsetof(tqsCtxAppAuth, pszAAuthLevel),
+                                    TQS_JNI_MAP_AAUTH_LEVEL};
 
-void AppNapDef(JsonWriter &json, const void *record) {
-    const auto *r = static_cast<const tqsCtxNapDef *>(record);
-    if (r->pszNapAddrType == nullptr) return;
-    bool shifted = false;
-    if (const char *mapped = AppNapAddrType(r->pszNapAddrType, &shifted)) {
-        json.String("NAP-ADDRTYPE", mapped);
-    } else {
-        // No element is written for it: CALLTYPE lands in its place and every
-        // later element of the array moves one index down.
-        json.Null("NAP-ADDRTYPE");
-        json.Bool("elementsShifted", shifted);
+void WriteApp(JsonWriter &json, const AppElement &app, const void *record) {
+    json.BeginObject("app");
+    const char *element = nullptr;
+    if (const char *stored = PointerAt(record, app.offset)) {
+        if (!tqsJniMapElement(app.mapping, stored, &element)) {
+            // No element is written for it: CALLTYPE lands in its place and
+            // every later element of the array moves one index down.
+            json.Null(app.key);
+            json.Bool("elementsShifted", true);
+        } else if (element != nullptr) {
+            json.String(app.key, element);
+        } else {
+            json.Null(app.key);
+        }
     }
-}
-
-void AppNapAuthInfo(JsonWriter &json, const void *record) {
-    const auto *r = static_cast<const tqsCtxNapAuthInfo *>(record);
-    if (r->pszAuthType != nullptr) json.String("AUTHTYPE", AppAuthType(r->pszAuthType));
-}
-
-void AppAppAuth(JsonWriter &json, const void *record) {
-    const auto *r = static_cast<const tqsCtxAppAuth *>(record);
-    if (r->pszAAuthLevel == nullptr) return;
-    if (const char *mapped = AppAAuthLevel(r->pszAAuthLevel)) {
-        json.String("AAUTHLEVEL", mapped);
-    } else {
-        json.Null("AAUTHLEVEL");
-    }
+    json.EndObject();
 }
 
 // clang-format off
@@ -247,7 +246,7 @@ constexpr Field kCtxPxPhysicalFields[] = {
     CHILD(tqsCtxPxPhysical, ptPort, "PORT", kCtxPort)
 };
 constexpr Record kCtxPxPhysical{"PXPHYSICAL", kCtxPxPhysicalFields, offsetof(tqsCtxPxPhysical, ptNext),
-                                AppPxPhysical};
+                                &kAppPxAddrType};
 
 constexpr Field kCtxPxLogicalFields[] = {
     PXLOGICAL_STRINGS(tqsCtxPxLogical)
@@ -263,7 +262,7 @@ constexpr Field kCtxNapAuthInfoFields[] = {
     CHAIN(tqsCtxNapAuthInfo, ptAuthEntity, "AUTH-ENTITY")
 };
 constexpr Record kCtxNapAuthInfo{"NAPAUTHINFO", kCtxNapAuthInfoFields, offsetof(tqsCtxNapAuthInfo, ptNext),
-                                 AppNapAuthInfo};
+                                 &kAppAuthType};
 
 constexpr Field kCtxValidityFields[] = {VALIDITY_STRINGS(tqsCtxValidity)};
 constexpr Record kCtxValidity{"VALIDITY", kCtxValidityFields, offsetof(tqsCtxValidity, ptNext)};
@@ -275,7 +274,7 @@ constexpr Field kCtxNapDefFields[] = {
     CHILD(tqsCtxNapDef, ptNapAuthInfo, "NAPAUTHINFO", kCtxNapAuthInfo)
     CHILD(tqsCtxNapDef, ptValidity, "VALIDITY", kCtxValidity)
 };
-constexpr Record kCtxNapDef{"NAPDEF", kCtxNapDefFields, offsetof(tqsCtxNapDef, ptNext), AppNapDef};
+constexpr Record kCtxNapDef{"NAPDEF", kCtxNapDefFields, offsetof(tqsCtxNapDef, ptNext), &kAppNapAddrType};
 
 constexpr Field kCtxBootstrapFields[] = {
     BOOTSTRAP_STRINGS(tqsCtxBootstrap)
@@ -302,7 +301,7 @@ constexpr Field kCtxAppAddrFields[] = {
 constexpr Record kCtxAppAddr{"APPADDR", kCtxAppAddrFields, offsetof(tqsCtxAppAddr, ptNext)};
 
 constexpr Field kCtxAppAuthFields[] = {APPAUTH_STRINGS(tqsCtxAppAuth)};
-constexpr Record kCtxAppAuth{"APPAUTH", kCtxAppAuthFields, offsetof(tqsCtxAppAuth, ptNext), AppAppAuth};
+constexpr Record kCtxAppAuth{"APPAUTH", kCtxAppAuthFields, offsetof(tqsCtxAppAuth, ptNext), &kAppAAuthLevel};
 
 constexpr Field kCtxResourceFields[] = {RESOURCE_STRINGS(tqsCtxResource)};
 constexpr Record kCtxResource{"RESOURCE", kCtxResourceFields, offsetof(tqsCtxResource, ptNext)};
@@ -385,7 +384,7 @@ void WriteCtxRecord(JsonWriter &json, const Record &desc, const void *record) {
     for (const Field &f : desc.fields) {
         // The application's view sits right after the record's own strings.
         if (!app_written && f.kind != Kind::kString && f.kind != Kind::kReserved) {
-            json.BeginObject("app"), desc.app(json, record), json.EndObject();
+            WriteApp(json, *desc.app, record);
             app_written = true;
         }
         const void *p = PointerAt<void>(record, f.offset);
@@ -413,7 +412,7 @@ void WriteCtxRecord(JsonWriter &json, const Record &desc, const void *record) {
                 break;
         }
     }
-    if (!app_written) json.BeginObject("app"), desc.app(json, record), json.EndObject();
+    if (!app_written) WriteApp(json, *desc.app, record);
     json.EndObject();
 }
 

@@ -1,6 +1,4 @@
-// Names of the codes a push carries, and the values the Java application
-// receives from the composite getters for address types, AUTHTYPE and
-// AAUTHLEVEL.
+// Names of the codes a push carries.
 #ifndef CPDUMP_TOKENS_H
 #define CPDUMP_TOKENS_H
 
@@ -23,22 +21,6 @@ std::string DisplayValue(const char *stored);
 const char *ContentTypeName(std::uint64_t code);
 // NETWPIN, USERPIN, USERNETWPIN, USERPINMAC; null for other codes.
 const char *SecName(std::uint64_t code);
-
-// Element 2 of the PXPHYSICAL array: "NET_ADDR_IPV4" / "NET_ADDR_IPV6"; null
-// for a null value.
-const char *AppPxAddrType(const char *stored);
-
-// Element 4 of the NAPDEF array: the code text "0x85" to "0x8c". A value
-// whose first byte is not an address-type code yields null and sets
-// *shifted: the application then receives no element for it and every later
-// element one index lower.
-const char *AppNapAddrType(const char *stored, bool *shifted);
-
-// Element 0 of the NAPAUTHINFO array: "PAP" ... "MD5", or "NONE".
-const char *AppAuthType(const char *stored);
-
-// Element 0 of the APPAUTH array: "APPSRV", "CLIENT" or null.
-const char *AppAAuthLevel(const char *stored);
 
 }  // namespace cpdump
 

@@ -1,5 +1,5 @@
 // The tool's own pieces: hex input, escaping, JSON layout, token names, the
-// application's mapped values and the header rejection reasons.
+// application's mapped values in context JSON and the header rejection reasons.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -11,6 +11,8 @@
 #include "textout.h"
 #include "tqslist.h"
 #include "tokens.h"
+#include "tqsClientProvWbxmlDecoder.h"
+#include "tqsmemory.h"
 #include "verdict.h"
 
 namespace cpdump {
@@ -107,60 +109,37 @@ TEST(Tokens, OneByteValuesAreNamed) {
     EXPECT_EQ(DisplayValue("\xE1"), "0xE1");
     EXPECT_EQ(DisplayValue("\xC5"), "0xC5");
     EXPECT_EQ(DisplayValue("\x80"), "0x80");
+    EXPECT_EQ(DisplayValue("\xA1"), "0xA1");  // just below the bearers
+    EXPECT_EQ(DisplayValue("\xBD"), "0xBD");  // just past them
     // Not a lone token: shown as stored.
     EXPECT_EQ(DisplayValue("\x89x"), "\x89x");
     EXPECT_EQ(DisplayValue("APN"), "APN");
     EXPECT_EQ(DisplayValue(""), "");
 }
 
-TEST(Tokens, EveryBearerCodeOfTheGettersHasItsName) {
-    // The bearer table runs without gaps from 0xA2 "GSM-USSD" to 0xBC "WLAN".
-    for (int code = 0xA2; code <= 0xBC; ++code)
-        EXPECT_NE(ValueTokenName(static_cast<unsigned char>(code)), nullptr) << code;
-    EXPECT_STREQ(ValueTokenName(0xA2), "GSM-USSD");
-    EXPECT_STREQ(ValueTokenName(0xB2), "FLEX/REFLEX");
-    EXPECT_STREQ(ValueTokenName(0xBC), "WLAN");
-    EXPECT_EQ(ValueTokenName(0xA1), nullptr);
-    EXPECT_EQ(ValueTokenName(0xBD), nullptr);
+// The tool repeats the decoder's value-token texts: every code the decoder
+// turns into text must carry that text as its name.
+TEST(Tokens, DecoderValueTokenTexts) {
+    int named = 0;
+    for (int code = 0x80; code <= 0xFF; ++code) {
+        char *text = nullptr;
+        if (tqsClientProvWbxmlDecoderGetParamTokenVal(static_cast<uint8_t>(code), &text) != 0) continue;
+        ASSERT_NE(text, nullptr);
+        EXPECT_STREQ(ValueTokenName(static_cast<unsigned char>(code)), text) << code;
+        tqsMemFree_debug(text);
+        ++named;
+    }
+    // 8 address types, 7 authentication types, BASIC and DIGEST, and the call
+    // types and service that no earlier table shadows (0x90, 0x94, 0x95, 0xCA).
+    EXPECT_EQ(named, 21);
+}
+
+TEST(Tokens, HeaderCodes) {
     EXPECT_STREQ(ContentTypeName(0x36), "application/vnd.wap.connectivity-wbxml");
-    EXPECT_STREQ(SecName(0x81), "USERPIN");
+    EXPECT_STREQ(ContentTypeName(0x42), "application/vnd.syncml.dm+wbxml");
     EXPECT_EQ(ContentTypeName(0x37), nullptr);
-}
-
-TEST(AppView, AddressTypesOfProxiesAndAccessPoints) {
-    EXPECT_EQ(AppPxAddrType(nullptr), nullptr);
-    EXPECT_STREQ(AppPxAddrType("\x86"), "NET_ADDR_IPV6");
-    EXPECT_STREQ(AppPxAddrType("IPV6"), "NET_ADDR_IPV6");
-    EXPECT_STREQ(AppPxAddrType("IPV4"), "NET_ADDR_IPV4");
-    EXPECT_STREQ(AppPxAddrType("E164"), "NET_ADDR_IPV4");  // everything else falls back to IPv4
-    EXPECT_STREQ(AppPxAddrType("ipv6"), "NET_ADDR_IPV4");
-
-    bool shifted = true;
-    EXPECT_STREQ(AppNapAddrType("\x89", &shifted), "0x89");
-    EXPECT_FALSE(shifted);
-    EXPECT_STREQ(AppNapAddrType("\x8A", &shifted), "0x8a");
-    EXPECT_STREQ(AppNapAddrType("\x85", &shifted), "0x85");
-    EXPECT_EQ(AppNapAddrType("APN", &shifted), nullptr);  // text: the array shifts
-    EXPECT_TRUE(shifted);
-    EXPECT_EQ(AppNapAddrType(nullptr, &shifted), nullptr);
-    EXPECT_FALSE(shifted);
-}
-
-TEST(AppView, AuthenticationTypeAndLevel) {
-    struct Case {
-        const char *stored, *auth_type;
-    } auth[] = {{"PAP", "PAP"},         {"\x9A", "PAP"},  {"pap", "NONE"},
-                {"\x9C", "HTTP-BASIC"}, {"CHAP", "CHAP"}, {"WTLS-SS", "WTLS-SS"},
-                {"WTLS_SS", "NONE"},    {"\x9F", "MD5"},  {"", "NONE"}};
-    for (const Case &c : auth) EXPECT_STREQ(AppAuthType(c.stored), c.auth_type) << c.stored;
-    EXPECT_EQ(AppAuthType(nullptr), nullptr);
-
-    EXPECT_STREQ(AppAAuthLevel("\x8D"), "APPSRV");
-    EXPECT_STREQ(AppAAuthLevel("APPSRV"), "APPSRV");
-    EXPECT_EQ(AppAAuthLevel("appsrv"), nullptr);
-    EXPECT_STREQ(AppAAuthLevel("client"), "CLIENT");
-    EXPECT_STREQ(AppAAuthLevel("CLIENT"), "CLIENT");
-    EXPECT_EQ(AppAAuthLevel("USER"), nullptr);
+    EXPECT_STREQ(SecName(0x81), "USERPIN");
+    EXPECT_EQ(SecName(0x84), nullptr);
 }
 
 // Contexts and trees built by hand on the stack: the printers only read them.
