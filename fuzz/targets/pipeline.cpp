@@ -6,7 +6,9 @@
 // (-1, 0, 1, count, count + 1 at each level, plus the int extremes at the
 // innermost one), tqomacp_SetPxNapDefIndex and the NAPDEF getters again, and
 // tqomacp_parser_del. The first byte (the transaction id, which the parser
-// never reads) picks the NAPDEF index. Results are checked against what the
+// never reads) picks the NAPDEF index and the len argument (the array's
+// length, one less, one more, half of it, or -1: Java passes len apart from
+// the array). Results are checked against what the
 // getters promise (counts, array lengths, end marks, null out of range), and
 // leak accounting runs after each input.
 #include <climits>
@@ -360,10 +362,29 @@ void MoveNapDefCursor(uint8_t choice) {
     }
 }
 
+// The len argument the Java side passes beside the array, picked by bits 4
+// to 6 of the transaction id; real pushes (id 0x01 and the like) pass the
+// array's length.
+jlong PickLen(const fuzz::Input &in) {
+    const jlong size = static_cast<jlong>(in.size);
+    switch ((in.data[0] >> 4) & 7) {
+        case 1:
+            return size > 0 ? size - 1 : 0;
+        case 2:
+            return size + 1;
+        case 3:
+            return size / 2;
+        case 5:
+            return -1;
+        default:
+            return size;
+    }
+}
+
 void Run(const fuzz::Input &in) {
     JNIEnv *env = g_jvm->env();
     jbyteArray pdu = g_jvm->newByteArray(in.data, in.size);
-    const jlong len = static_cast<jlong>(in.size);
+    const jlong len = PickLen(in);
 
     // Header only.
     const bool headerOk = jni_tqomacp_parser(env, nullptr, pdu, len, 1) == JNI_TRUE;
