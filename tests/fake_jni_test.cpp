@@ -79,56 +79,6 @@ TEST(FakeJni, RegisterNativesRefusesUndeclaredOrMalformedEntries) {
     EXPECT_TRUE(jvm.registrations().empty());
 }
 
-TEST(FakeJni, ByteArraysRoundTrip) {
-    FakeJvm jvm;
-    JNIEnv *env = jvm.env();
-    jbyteArray in = jvm.newByteArray({0x01, 0x06, 0xff});
-    EXPECT_EQ(env->GetArrayLength(in), 3);
-    jboolean isCopy = JNI_TRUE;
-    jbyte *elems = env->GetByteArrayElements(in, &isCopy);
-    EXPECT_EQ(isCopy, JNI_FALSE);
-    EXPECT_EQ(static_cast<unsigned char>(elems[2]), 0xffu);
-    EXPECT_EQ(env->GetByteArrayElements(in, nullptr), elems);  // pinned
-
-    jbyteArray out = env->NewByteArray(4);
-    const jbyte src[] = {7, 8};
-    env->SetByteArrayRegion(out, 2, 2, src);
-    env->SetByteArrayRegion(out, 4, 0, nullptr);
-    EXPECT_EQ(jvm.bytes(out), (std::vector<std::uint8_t>{0, 0, 7, 8}));
-
-    jbyteArray empty = env->NewByteArray(0);
-    EXPECT_EQ(env->GetArrayLength(empty), 0);
-    EXPECT_TRUE(jvm.bytes(empty).empty());
-
-    EXPECT_EQ(env->NewByteArray(-1), nullptr);
-    EXPECT_EQ(jvm.pendingException(), "java/lang/NegativeArraySizeException");
-}
-
-TEST(FakeJni, StringArraysKeepInitialAndNullElements) {
-    FakeJvm jvm;
-    JNIEnv *env = jvm.env();
-    jclass stringClass = env->FindClass("java/lang/String");
-    jstring blank = env->NewStringUTF("");
-    jobjectArray arr = env->NewObjectArray(3, stringClass, blank);
-    EXPECT_EQ(env->GetArrayLength(arr), 3);
-    const char raw[] = {'\x85', 'x', 0};
-    env->SetObjectArrayElement(arr, 0, env->NewStringUTF(raw));
-    env->SetObjectArrayElement(arr, 1, nullptr);
-
-    auto got = jvm.strings(arr);
-    ASSERT_EQ(got.size(), 3u);
-    EXPECT_EQ(got[0], std::string(raw));  // raw bytes kept, no conversion
-    EXPECT_EQ(got[1], std::nullopt);
-    EXPECT_EQ(got[2], std::string());
-    EXPECT_EQ(jvm.string(nullptr), std::nullopt);
-    EXPECT_EQ(jvm.calls("NewStringUTF"), 2u);
-    EXPECT_EQ(jvm.liveObjects(), 4u);  // class, two strings, array
-
-    jvm.reset();
-    EXPECT_EQ(jvm.liveObjects(), 0u);
-    EXPECT_TRUE(jvm.pendingException().empty());
-}
-
 using FakeJniDeathTest = ::testing::Test;
 
 TEST(FakeJniDeathTest, MisuseAborts) {

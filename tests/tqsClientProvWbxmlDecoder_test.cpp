@@ -248,19 +248,6 @@ TEST_F(Decoder, StringTableReferences) {
     tqsMemFree_debug(text);
 }
 
-TEST_F(Decoder, EmptyTableAcceptsAnyIndexAsEmptyText) {
-    // nStrSize 0: the bound wraps, every index is accepted; nothing is read
-    // outside the two-byte table.
-    Open({0x00, 0x83, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x01});
-    ASSERT_EQ(tqsClientProvWbxmlDecoderMakeStrTable(dec_, &dec_->pStringTable), 0u);
-    dec_->nStrSize = 0;
-    char *text = nullptr;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    EXPECT_EQ(Text(text), "");
-    EXPECT_EQ(Consumed(), 7u);  // the END stays
-    tqsMemFree_debug(text);
-}
-
 TEST_F(Decoder, HugeStringTableLengthIsBoundedByTheBody) {
     // A declared length near 4 GiB would wrap length + 2; the table is sized
     // by what the body has and the read fails as specified.
@@ -350,46 +337,53 @@ TEST_F(Decoder, CheckAttr) {
     EXPECT_EQ(tqsClientProvWbxmlDecoderCheckAttr(dec_, 0x06), 0x1007u);
 }
 
-TEST_F(Decoder, ContentJoinsStringPiecesUpToTheEnd) {
-    // STR_I "abc", STR_T 4, a value token, then END (left unread).
-    wbxml::Builder b;
-    b.StrI("abc").StrT(4).Byte(0x85).End();
-    Bytes bytes = {0x08, 'x', 'y', 'z', 0, 'T', 'a', 'b', 0};
-    bytes.insert(bytes.end(), b.Body().begin(), b.Body().end());
-    Open(bytes);
-    dec_->nStrSize = tqsClientProvWbxmlDecoderMakeStrTable(dec_, &dec_->pStringTable);
-    char *text = nullptr;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    EXPECT_EQ(Text(text), "abcTabIPV4");
-    uint8_t id;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderReadElement(dec_, &id), 0u);
-    EXPECT_EQ(id, 0x01);
-    tqsMemFree_debug(text);
-}
-
-TEST_F(Decoder, ContentStopsBeforeTheValueAttribute) {
-    Open({0x03, 'I', 'N', 'I', 'T', 0, 0x06, 0x03, 'v', 0});
-    char *text = nullptr;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    EXPECT_EQ(Text(text), "INIT");
-    EXPECT_EQ(Consumed(), 6u);
-    tqsMemFree_debug(text);
-}
-
-TEST_F(Decoder, UnterminatedInlineStringEndsAtThePadding) {
+// Content reads a run of string pieces and value tokens up to the END (left
+// unread). With a table the body starts with it.
+TEST_F(Decoder, Content) {
+    wbxml::Builder pieces;
+    pieces.StrI("abc").StrT(4).Byte(0x85).End();
+    Bytes joined = {0x08, 'x', 'y', 'z', 0, 'T', 'a', 'b', 0};
+    joined.insert(joined.end(), pieces.Body().begin(), pieces.Body().end());
+    const uint32_t kAny = 0xFFFFFFFF;
+    const struct {
+        const char *name;
+        bool table;
+        Bytes bytes;
+        TqsResult status;
+        const char *text;
+        uint32_t consumed;
+    } cases[] = {
+        {"STR_I, STR_T and a token joined", true, joined, 0, "abcTabIPV4", uint32_t(joined.size() - 1)},
+        // nStrSize 0: the bound wraps, any index gives an empty text, nothing read outside the table.
+        {"empty table, huge index", true, {0x00, 0x83, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x01}, 0, "", 7},
+        {"stops before the value attribute",
+         false,
+         {0x03, 'I', 'N', 'I', 'T', 0, 0x06, 0x03, 'v', 0},
+         0,
+         "INIT",
+         6},
+        {"unterminated, no END", false, {0x03, 'a', 'b'}, 0x1007, "ab", kAny},
+        {"known token alone", false, {0x85}, 0, "IPV4", kAny},
+        {"unknown token: one raw byte", false, {0xE0}, 0, "\xE0", kAny},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        Open(c.bytes);
+        if (c.table) dec_->nStrSize = tqsClientProvWbxmlDecoderMakeStrTable(dec_, &dec_->pStringTable);
+        char *text = nullptr;
+        EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), c.status);
+        EXPECT_EQ(Text(text), c.text);
+        if (c.consumed != kAny) EXPECT_EQ(Consumed(), c.consumed);
+        tqsMemFree_debug(text);
+    }
+    // The inline string reader alone: an unterminated text ends at the padding.
     Open({0x03, 'a', 'b'});
     uint8_t id;
-    ASSERT_EQ(tqsClientProvWbxmlDecoderReadAttr(dec_, &id), 0u);
     char *text = nullptr;
+    ASSERT_EQ(tqsClientProvWbxmlDecoderReadAttr(dec_, &id), 0u);
     EXPECT_EQ(tqsClientProvWbxmlDecoderGetStr(dec_, &text), 1);
     EXPECT_EQ(Text(text), "ab");
     EXPECT_EQ(tqsClientProvWbxmlDecoderReadElement(dec_, &id), 0x1007u);
-    tqsMemFree_debug(text);
-    // Read as content, the run then finds no END: the text stays, the read fails.
-    text = nullptr;
-    Open({0x03, 'a', 'b'});
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0x1007u);
-    EXPECT_EQ(Text(text), "ab");
     tqsMemFree_debug(text);
 }
 
@@ -426,20 +420,8 @@ TEST_F(Decoder, OpaqueLongerThanTheBody) {
     EXPECT_EQ(Consumed(), 4u);
 }
 
-TEST_F(Decoder, ContentOfSingleTokens) {
+TEST_F(Decoder, ContentOfAnElementIsSkipped) {
     char *text = nullptr;
-    Open({0x85});
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    EXPECT_EQ(Text(text), "IPV4");
-    tqsMemFree_debug(text);
-    text = nullptr;
-    Open({0xE0});  // unknown to the tables: one raw byte
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    ASSERT_NE(text, nullptr);
-    EXPECT_EQ(static_cast<unsigned char>(text[0]), 0xE0);
-    EXPECT_EQ(text[1], 0);
-    tqsMemFree_debug(text);
-    text = nullptr;
     // Below 0x80 and not a string: warning, then a skip to the END at depth 0.
     Open({0x87, 0x45, 0x11, 0x01, 0x01, 0x01});
     uint8_t id;
@@ -604,19 +586,6 @@ TEST_F(Decoder, ProxyWithTwoParms) {
         .Parm(prov::kName, "Proxy")
         .End()
         .End();
-    tqsWapDoc *doc = nullptr;
-    ASSERT_EQ(Decode(b.Build(), &doc), 0u);
-    ASSERT_NE(doc, nullptr);
-    TqsList *list = doc->ptCharacterList;
-    ASSERT_NE(list, nullptr);
-    EXPECT_EQ(list->nCount, 1u);
-    EXPECT_EQ(list->ptCur, nullptr);
-    auto *ch = static_cast<tqsWapCharacter *>(list->ptHead->pItem);
-    ASSERT_NE(ch->ptPxLogical, nullptr);
-    EXPECT_EQ(Text(ch->ptPxLogical->pszProxyId), "P1");
-    EXPECT_EQ(Text(ch->ptPxLogical->pszName), "Proxy");
-    EXPECT_EQ(tqsClientProvWbxmlDeleteWapDoc(doc), 1u);
-    docs_.clear();
     EXPECT_EQ(Tree(b), "PXLOGICAL\n  NAME=Proxy\n  PROXY-ID=P1\n");
 }
 
@@ -683,32 +652,16 @@ TEST_F(Decoder, ParmDirectlyInTheDocumentIsRefused) {
 }
 
 TEST_F(Decoder, TypeAttributesAndCodePages) {
-    struct Case {
-        prov::Token type;
-        const char *tree;
-    };
-    const Case cases[] = {
-        {prov::kPxLogical, "PXLOGICAL\n"},
-        {prov::kPxPhysical, "PXPHYSICAL\n"},
-        {prov::kPort, "PORT\n"},
-        {prov::kValidity, "VALIDITY\n"},
-        {prov::kNapDef, "NAPDEF\n"},
-        {prov::kBootstrap, "BOOTSTRAP\n"},
-        {prov::kVendorConfig, "VENDORCONFIG\n"},
-        {prov::kClientIdentity, "CLIENTIDENTITY\n"},
-        {prov::kPxAuthInfo, "PXAUTHINFO\n"},
-        {prov::kNapAuthInfo, "NAPAUTHINFO\n"},
-        {prov::kAccess, "ACCESS\n"},
-        {prov::kApplication, "APPLICATION\n"},
-        {prov::kAppAddr, "APPADDR\n"},
-        {prov::kAppAuth, "APPAUTH\n"},
-        {prov::kResource, "RESOURCE\n"},
-    };
-    for (const Case &c : cases) {
-        wbxml::Builder b;
-        b.Doc().Characteristic(c.type).End().End();
-        EXPECT_EQ(Tree(b), c.tree);
-    }
+    wbxml::Builder all;
+    all.Doc();
+    for (prov::Token t :
+         {prov::kPxLogical, prov::kPxPhysical, prov::kPort, prov::kValidity, prov::kNapDef, prov::kBootstrap,
+          prov::kVendorConfig, prov::kClientIdentity, prov::kPxAuthInfo, prov::kNapAuthInfo, prov::kAccess,
+          prov::kApplication, prov::kAppAddr, prov::kAppAuth, prov::kResource})
+        all.Characteristic(t).End();
+    EXPECT_EQ(Tree(all.End()),
+              "PXLOGICAL\nPXPHYSICAL\nPORT\nVALIDITY\nNAPDEF\nBOOTSTRAP\nVENDORCONFIG\nCLIENTIDENTITY\n"
+              "PXAUTHINFO\nNAPAUTHINFO\nACCESS\nAPPLICATION\nAPPADDR\nAPPAUTH\nRESOURCE\n");
     // Page-0 types are taken on page 1 as well.
     wbxml::Builder page1;
     page1.Doc().Characteristic(prov::kApplication).End().Characteristic({0x51, 1}).End();
@@ -1137,72 +1090,64 @@ void ApplyDecoderRules(std::vector<waptree::Node> *nodes) {
 // |                         |        | value tables: the name read fails                             |
 struct Sample {
     const char *path;                                        // corpus-relative
-    TqsResult status;                                        // of the decode
-    const char *why;                                         // for a refused sample: what stops the decoder
+    TqsResult status;                                        // of the decode (refusals: see the table above)
     std::vector<std::pair<std::string, std::string>> edits;  // XML render line -> tree line ("" drops it)
 };
 
 const std::vector<Sample> &Samples() {
     static const std::vector<Sample> samples = {
-        {"apnprov-hiweb.wbxml", 0, nullptr, {}},
-        {"apnprov-ref-myapn.wbxml",
-         0x1005,
-         "SWITCH_PAGE at tag level after the last characteristic of the run",
-         {}},
-        {"cpc-bookmarks.wbxml", 0, nullptr, {}},
-        {"cpc-data-sync.wbxml", 0x1005, "RESOURCE has no name-string parm (SYNCTYPE is written inline)", {}},
-        {"cpc-email.wbxml", 0, nullptr, {}},
-        {"cpc-internetmms.wbxml", 0, nullptr, {}},
-        {"cpc-omadm.wbxml", 0, nullptr, {}},
-        {"cpc-proxy-nap-group.wbxml", 0, nullptr, {}},
-        {"cpc-proxytest.wbxml", 0, nullptr, {}},
-        {"cpc-simplemms.wbxml", 0, nullptr, {}},
-        {"gaia-cmcc-two-proxies.wbxml", 0, nullptr, {}},
-        {"gaia-dt-tmobile.wbxml", 0, nullptr, {}},
-        {"gaia-operator-portal.wbxml", 0, nullptr, {}},
-        {"gaia-tef-movistar.wbxml", 0, nullptr, {}},
+        {"apnprov-hiweb.wbxml", 0, {}},
+        {"apnprov-ref-myapn.wbxml", 0x1005, {}},
+        {"cpc-bookmarks.wbxml", 0, {}},
+        {"cpc-data-sync.wbxml", 0x1005, {}},
+        {"cpc-email.wbxml", 0, {}},
+        {"cpc-internetmms.wbxml", 0, {}},
+        {"cpc-omadm.wbxml", 0, {}},
+        {"cpc-proxy-nap-group.wbxml", 0, {}},
+        {"cpc-proxytest.wbxml", 0, {}},
+        {"cpc-simplemms.wbxml", 0, {}},
+        {"gaia-cmcc-two-proxies.wbxml", 0, {}},
+        {"gaia-dt-tmobile.wbxml", 0, {}},
+        {"gaia-operator-portal.wbxml", 0, {}},
+        {"gaia-tef-movistar.wbxml", 0, {}},
         // value="" is encoded as a value attribute without content: the field stays empty.
-        {"gaia-tef-yahoo-email.wbxml", 0, nullptr, {{"    AUTHNAME=", ""}, {"    AUTHSECRET=", ""}}},
-        {"letai-internet.wbxml", 0, nullptr, {}},
-        {"letai-mms.wbxml", 0, nullptr, {}},
-        {"lg-apn-strtable-auto.wbxml", 0, nullptr, {}},
-        {"lg-apn-strtable-manual.wbxml", 0, nullptr, {}},
-        {"lg-otaf-auto.wbxml", 0, nullptr, {}},
-        {"lg-otaf-manual.wbxml", 0, nullptr, {}},
-        {"moz-cht-emome-codepage1.wbxml", 0, nullptr, {}},
-        {"moz-empty-doc-netwpin.wbxml", 0, nullptr, {}},
-        {"moz-provcont-appendix-c.wbxml", 0x1005, "PULLENABLED is not a PXLOGICAL parm", {}},
-        {"sfos-beeline-2.wbxml", 0, nullptr, {}},
-        {"sfos-dna-1.wbxml", 0, nullptr, {}},
-        {"sfos-dna-2.wbxml", 0, nullptr, {}},
-        {"sfos-moi-1.wbxml", 0, nullptr, {}},
-        {"sfos-moi-2.wbxml", 0, nullptr, {}},
-        {"sfos-moi-3.wbxml", 0, nullptr, {}},
+        {"gaia-tef-yahoo-email.wbxml", 0, {{"    AUTHNAME=", ""}, {"    AUTHSECRET=", ""}}},
+        {"letai-internet.wbxml", 0, {}},
+        {"letai-mms.wbxml", 0, {}},
+        {"lg-apn-strtable-auto.wbxml", 0, {}},
+        {"lg-apn-strtable-manual.wbxml", 0, {}},
+        {"lg-otaf-auto.wbxml", 0, {}},
+        {"lg-otaf-manual.wbxml", 0, {}},
+        {"moz-cht-emome-codepage1.wbxml", 0, {}},
+        {"moz-empty-doc-netwpin.wbxml", 0, {}},
+        {"moz-provcont-appendix-c.wbxml", 0x1005, {}},
+        {"sfos-beeline-2.wbxml", 0, {}},
+        {"sfos-dna-1.wbxml", 0, {}},
+        {"sfos-dna-2.wbxml", 0, {}},
+        {"sfos-moi-1.wbxml", 0, {}},
+        {"sfos-moi-2.wbxml", 0, {}},
+        {"sfos-moi-3.wbxml", 0, {}},
         // APPLICATION keeps only FROM and XCAP_* of the names written inline.
         {"sfos-sonera.wbxml",
          0,
-         nullptr,
          {{"  MAX-BANDWIDTH=", ""}, {"  MIN-UDP-PORT=", ""}, {"  MAX-UDP-PORT=", ""}}},
-        {"ws-sync-server.wbxml", 0x1007, "SWITCH_PAGE inside the AACCEPT value run", {}},
-        {"br-claro-portal-charset.pdu", 0, nullptr, {}},
-        {"mihini-dm-bootstrap.pdu", 0x1005, "APPLICATION parm after its nested APPADDR", {}},
-        {"ph-smart-internet-netwpin.pdu", 0, nullptr, {}},
-        {"ph-smart-mms-netwpin.pdu", 0, nullptr, {}},
-        {"vn-mobifone-vtv.pdu", 0, nullptr, {}},
-        {"vn-viettel-8x85.pdu", 0x1005, "a value token followed by an empty STR_I in one value", {}},
-        {"vn-viettel-gprs-wbxml12.pdu", 0, nullptr, {}},
-        {"vn-vinaphone-8x85.pdu", 0x1005, "a value token followed by an empty STR_I in one value", {}},
-        {"vn-vinaphone-vtv.pdu", 0, nullptr, {}},
-        {"ws-bank-userpin.pdu", 0, nullptr, {}},
-        {"own/identity-vendor-access.wbxml", 0, nullptr, {}},
-        {"own/literal-pubid-opaque.wbxml", 0, nullptr, {}},
-        {"own/wifi-roaming.wbxml",
-         0x1007,
-         "value token HA (0xE1) inside the names PHASE1 and AUTHALGORITHM",
-         {}},
-        {"negative/gaia-cht-parm-typo.wbxml", 0x1005, "LITERAL tag for <Parm>", {}},
-        {"negative/moz-vendorconfig-truncated.wbxml", 0x1007, "document element not closed", {}},
-        {"negative/vn-mobifone-nokia-ota.pdu", 0x100B, "not a provisioning document (public id 1)", {}},
+        {"ws-sync-server.wbxml", 0x1007, {}},
+        {"br-claro-portal-charset.pdu", 0, {}},
+        {"mihini-dm-bootstrap.pdu", 0x1005, {}},
+        {"ph-smart-internet-netwpin.pdu", 0, {}},
+        {"ph-smart-mms-netwpin.pdu", 0, {}},
+        {"vn-mobifone-vtv.pdu", 0, {}},
+        {"vn-viettel-8x85.pdu", 0x1005, {}},
+        {"vn-viettel-gprs-wbxml12.pdu", 0, {}},
+        {"vn-vinaphone-8x85.pdu", 0x1005, {}},
+        {"vn-vinaphone-vtv.pdu", 0, {}},
+        {"ws-bank-userpin.pdu", 0, {}},
+        {"own/identity-vendor-access.wbxml", 0, {}},
+        {"own/literal-pubid-opaque.wbxml", 0, {}},
+        {"own/wifi-roaming.wbxml", 0x1007, {}},
+        {"negative/gaia-cht-parm-typo.wbxml", 0x1005, {}},          // LITERAL tag for <Parm>
+        {"negative/moz-vendorconfig-truncated.wbxml", 0x1007, {}},  // document element not closed
+        {"negative/vn-mobifone-nokia-ota.pdu", 0x100B, {}},  // not a provisioning document (public id 1)
     };
     return samples;
 }
@@ -1244,7 +1189,7 @@ TEST(Corpus, TreesAgreeWithTheXml) {
         ASSERT_EQ(tqsClientProvWbxmlInitDecoder(&dec, bytes.data(), static_cast<uint32_t>(bytes.size())), 0u);
         tqsWapDoc *doc = nullptr;
         TqsResult ret = tqsClientProvWbxmlDecoder(dec, &doc);
-        EXPECT_EQ(ret, s.status) << (s.why ? s.why : "");
+        EXPECT_EQ(ret, s.status);
         EXPECT_EQ(tqsClientProvWbxmlDeleteDecoder(dec), 0u);
         if (s.status != 0) {
             EXPECT_EQ(doc, nullptr);
