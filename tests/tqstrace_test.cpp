@@ -236,16 +236,4 @@ TEST(TqcTrace, WriteWithoutSinkDropsTheLine) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
-TEST(TqcTrace, CapturesNest) {
-    TraceCapture outer;
-    tqcTraceFunction("a");
-    {
-        TraceCapture inner;
-        tqcTraceFunction("b");
-        EXPECT_EQ(inner.lines(), Lines{"[Syncml] b()\n"});
-    }
-    tqcTraceFunction("c");
-    EXPECT_EQ(outer.lines(), (Lines{"[Syncml] a()\n", "[Syncml] c()\n"}));
-}
-
 }  // namespace
