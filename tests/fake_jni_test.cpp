@@ -34,15 +34,9 @@ TEST(FakeJni, FindClassAndRegisterNatives) {
     EXPECT_EQ(env->FindClass("com/x/Missing"), nullptr);
     EXPECT_EQ(jvm.pendingException(), "java/lang/NoClassDefFoundError");
 
-    jclass cls = env->FindClass("com/x/A");
-    ASSERT_NE(cls, nullptr);
-    char name[] = "a";
-    char sig[] = "()I";
-    JNINativeMethod methods[] = {{name, sig, reinterpret_cast<void *>(&nativeA)}};
-    EXPECT_EQ(env->RegisterNatives(cls, methods, 1), JNI_OK);
-    ASSERT_EQ(jvm.registrations().size(), 1u);
-    EXPECT_EQ(jvm.registrations()[0].className, "com/x/A");
-    EXPECT_EQ(jvm.registrations()[0].methods[0].signature, "()I");
+    JNINativeMethod m = {const_cast<char *>("a"), const_cast<char *>("()I"),
+                         reinterpret_cast<void *>(&nativeA)};
+    EXPECT_EQ(env->RegisterNatives(env->FindClass("com/x/A"), &m, 1), JNI_OK);
     EXPECT_EQ(jvm.nativeFor("com/x/A", "a"), reinterpret_cast<void *>(&nativeA));
     EXPECT_EQ(jvm.nativeFor("com/x/A", "b"), nullptr);
     EXPECT_EQ(jvm.nativeFor("com/x/B", "a"), nullptr);
