@@ -421,7 +421,7 @@ TEST_F(TqomacpJniGetters, EveryWalkIsBoundedAndNeedsAContext) {
     auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
     px[0]->ptDomain = ctx.List({"d1"});
     EXPECT_EQ(S(jni_tqomacp_GetPxAppIdData(env, nullptr, 1, 2)), "w4");
-    // The two walks the original left unguarded.
+    // The two walks that have no bound of their own answer null out of range.
     EXPECT_EQ(jni_tqomacp_GetPxAppIdData(env, nullptr, 1, 3), nullptr);
     EXPECT_EQ(jni_tqomacp_GetPxAppIdData(env, nullptr, 2, 1), nullptr);
     EXPECT_EQ(jni_tqomacp_GetPxDomainData(env, nullptr, 2, 1), nullptr);
