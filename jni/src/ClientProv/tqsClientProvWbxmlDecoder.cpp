@@ -1162,6 +1162,23 @@ enum ParmTraces : uint8_t {
     kTraceIdAfter = 4,   // nId after each dispatch
 };
 
+// Entry of each parm byte: its position in the table + 1, 0 for an unknown byte.
+// Filled from the back, so the first entry of a byte wins as in a linear search.
+struct ParmIndex {
+    uint8_t nSlot[256];
+};
+
+template <size_t N>
+constexpr ParmIndex MakeParmIndex(const ParmEntry (&entries)[N]) {
+    static_assert(N < 256, "a slot is one byte");
+    ParmIndex tIndex{};
+    for (size_t i = N; i-- > 0;) tIndex.nSlot[entries[i].nByte] = static_cast<uint8_t>(i + 1);
+    return tIndex;
+}
+
+template <const auto &kEntries>
+constexpr ParmIndex kParmIndexOf = MakeParmIndex(kEntries);
+
 struct ParmHandler {
     const char *pszName;         // traced on entry
     const char *pszUnknownLine;  // second line for an unknown byte; null: the single NAPDEF line
@@ -1169,7 +1186,7 @@ struct ParmHandler {
     bool bRawPeekAfterSwitch;    // after SWITCH_PAGE peek the raw byte again (RESOURCE, APPAUTH)
     uint8_t nTraces;
     const ParmEntry *ptEntries;
-    size_t nEntries;
+    const ParmIndex *ptIndex;
     TqsResult (*pfnName)(tqsWbxmlDecoder *, void *, uint8_t);
 };
 
@@ -1309,7 +1326,7 @@ constexpr ParmEntry kNameOnlyParms[] = {
 #undef TQS_PL
 #undef TQS_NAME
 
-#define TQS_ENTRIES(table) table, sizeof(table) / sizeof(table[0])
+#define TQS_ENTRIES(table) table, &kParmIndexOf<table>
 #define TQS_UNKNOWN(name) name "[%x]"
 
 constexpr ParmHandler kPxLogicalHandler = {"tqsClientProvWbxmlDecoderParamPxlogical",
@@ -1508,13 +1525,8 @@ TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHa
             if (nRet != TQS_OK) return nRet;
         }
         if (tHandler.nTraces & kTraceIdAround) tqcTrace("DecoderParam : nId = [0x%02x]", nByte);
-        const ParmEntry *ptEntry = nullptr;
-        for (size_t i = 0; i < tHandler.nEntries; ++i) {
-            if (tHandler.ptEntries[i].nByte == nByte) {
-                ptEntry = &tHandler.ptEntries[i];
-                break;
-            }
-        }
+        const uint8_t nSlot = tHandler.ptIndex->nSlot[nByte];
+        const ParmEntry *ptEntry = nSlot != 0 ? &tHandler.ptEntries[nSlot - 1] : nullptr;
         if (ptEntry == nullptr) {
             if (tHandler.pszUnknownLine != nullptr) {
                 tqcTrace("Tag Code = TQS_ERROR_WBXML_UNKNOWN_ELEMENT");

@@ -1,4 +1,5 @@
 #include "tqsstring.h"
+#include <string.h>
 
 namespace {
 
@@ -44,6 +45,12 @@ uint32_t Length(const T *s) {
     uint32_t n = 0;
     while (s[n] != 0) ++n;
     return n;
+}
+
+// Texts go through the C library's scan, which reads a word or a vector per step.
+template <>
+uint32_t Length(const char *s) {
+    return static_cast<uint32_t>(strlen(s));
 }
 
 template <typename T>
