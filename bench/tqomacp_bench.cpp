@@ -309,6 +309,7 @@ void PrintSummary(const Collector &c, const std::vector<const Sample *> &samples
     for (const auto &[name, r] : c.results) reps = std::max(reps, r.repetitions);
     printf("\nSummary: %s; CPU time per parse in ns; speedup = libwbxml / ours; x scan = ours / scan\n",
            reps > 1 ? ("median of " + std::to_string(reps) + " repetitions").c_str() : "single run");
+    printf("allocator: %s\n", bench::AllocatorName().c_str());
     printf("%-38s %6s %9s %9s %8s %8s %7s %8s %7s %7s %7s %8s\n", "document", "bytes", "ours ns", "wbxml ns",
            "speedup", "scan ns", "x scan", "scan1 ns", "x scan1", "cpy ns", "allocs", "w.allocs");
     for (const Sample *s : samples) {
@@ -423,6 +424,9 @@ void Register(const std::string &name, Fn fn, const Sample *s) {
 int main(int argc, char **argv) {
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    // Blocks come from whichever allocator is first in lookup order (run-allocators.sh
+    // runs glibc's and scudo's); the context header and the summary name it.
+    benchmark::AddCustomContext("allocator", bench::AllocatorName());
 
     static const std::vector<Sample> documents = bench::BenchDocuments();
     static const std::vector<Sample> corpus = bench::CorpusSamples(CorpusDir());
