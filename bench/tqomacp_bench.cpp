@@ -407,6 +407,17 @@ void PrintSummary(const Collector &c, const std::vector<const Sample *> &samples
                perByteLarge, perByteTypical, ratio,
                ratio <= 1.0 ? "met" : (ratio <= 1.05 ? "met within 5% noise" : "MISSED"));
     }
+    // The quadratic-step check on its own: the same encoding from 2 copies up, past the
+    // allocator's 1 KiB threshold that both of them cross.
+    const Result *twice = Find(c, "e2e/typical-x2");
+    if (twice && large) {
+        const std::vector<Sample> scaledDocs = bench::ScaledDocuments();
+        const double perByteTwice = twice->ns / static_cast<double>(scaledDocs[1].body.size());
+        const double perByteLarge = large->ns / static_cast<double>(bench::BenchDocuments()[2].body.size());
+        printf("  large (x29) vs typical-x2, time per byte: %.2f vs %.2f ns/B, ratio %.2f (growth with size): %s\n",
+               perByteLarge, perByteTwice, perByteLarge / perByteTwice,
+               perByteLarge / perByteTwice <= 1.05 ? "none" : "GROWS");
+    }
 }
 
 std::string CorpusDir() {
