@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The whole test run: sanitizer build, optional stages that other parts of the
-# tree provide (arm64 under qemu, fuzz replay), then the default build whose
-# ctest summary ends the output.
+# tree provide (arm64 under qemu, fuzz replay, a benchmark smoke run), then the
+# default build whose ctest summary ends the output.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -10,7 +10,7 @@ cmake --preset asan >/dev/null
 cmake --build --preset asan -j"$jobs"
 ctest --preset asan -j"$jobs" --output-on-failure
 
-for stage in scripts/test-arm64.sh fuzz/ci.sh; do
+for stage in scripts/test-arm64.sh fuzz/ci.sh bench/smoke.sh; do
   if [ -x "$stage" ]; then
     echo "== $stage"
     "$stage"
