@@ -12,31 +12,32 @@ namespace {
 
 const char kUnit[] = "jni/src/ClientProv/smlbuffer";
 
-std::vector<unsigned char> Data(const SmlBuffer *buffer) {
-    const unsigned char *p = smlBufferGetDataBuffer(buffer, 0);
-    return std::vector<unsigned char>(p, p + smlBufferGetDataSize(buffer));
-}
+using Bytes = std::vector<unsigned char>;
 
-std::vector<unsigned char> Bytes(unsigned char first, size_t count) {
-    std::vector<unsigned char> v(count);
-    std::iota(v.begin(), v.end(), first);
-    return v;
-}
-
-// A buffer of capacity `capacity` holding the bytes 0..count-1.
-SmlBuffer *Filled(uint32_t capacity, uint32_t count) {
-    SmlBuffer *buffer = nullptr;
-    EXPECT_EQ(smlBufferCreate(&buffer, capacity), TQS_OK);
-    std::vector<unsigned char> bytes = Bytes(0, count);
-    EXPECT_EQ(smlBufferAppendTail(buffer, bytes.data(), count), TQS_OK);
-    return buffer;
-}
-
-void ExpectInvariants(const SmlBuffer *b) {
+// The buffer's data, after checking that its pointers agree with each other.
+Bytes Data(const SmlBuffer *b) {
     EXPECT_LE(b->pBase, b->pHead);
     EXPECT_EQ(b->pTail, b->pHead + b->nDataSize);
     EXPECT_LE(b->pTail, b->pEnd);
     EXPECT_EQ(b->pEnd, b->pBase + b->nBufSize);
+    const unsigned char *p = smlBufferGetDataBuffer(b, 0);
+    return Bytes(p, p + smlBufferGetDataSize(b));
+}
+
+Bytes Iota(unsigned char first, size_t count) {
+    Bytes v(count);
+    std::iota(v.begin(), v.end(), first);
+    return v;
+}
+
+// A buffer of capacity `capacity` that received the bytes 0..count-1 and
+// then had the first `consumed` of them read.
+SmlBuffer *Filled(uint32_t capacity, uint32_t count, uint32_t consumed = 0) {
+    SmlBuffer *buffer = nullptr;
+    EXPECT_EQ(smlBufferCreate(&buffer, capacity), TQS_OK);
+    EXPECT_EQ(smlBufferAppendTail(buffer, Iota(0, count).data(), count), TQS_OK);
+    EXPECT_EQ(smlBufferPull(buffer, consumed), TQS_OK);
+    return buffer;
 }
 
 TEST(SmlBuffer, CreateAllocationLinesAndZeroAtEnd) {
@@ -49,7 +50,7 @@ TEST(SmlBuffer, CreateAllocationLinesAndZeroAtEnd) {
     EXPECT_EQ(buffer->bOutside, 0u);
     EXPECT_EQ(*buffer->pEnd, 0);  // own storage is one byte longer
     EXPECT_EQ(smlBufferGetRemainSize(buffer), 10u);
-    ExpectInvariants(buffer);
+    EXPECT_EQ(Data(buffer), Bytes{});
     EXPECT_EQ(smlBufferDelete(buffer), TQS_OK);
     EXPECT_TRUE(check.Live().empty());
     EXPECT_EQ(smlBufferDelete(nullptr), TQS_ERROR_BUFFER_NULL);
@@ -67,37 +68,29 @@ TEST(SmlBuffer, GrowthSizes) {
     };
     for (const Case &c : cases) {
         SmlBuffer *buffer = Filled(c.capacity, c.before);
-        std::vector<unsigned char> more = Bytes(c.before, c.append);
-        ASSERT_EQ(smlBufferAppendTail(buffer, more.data(), c.append), TQS_OK);
+        ASSERT_EQ(smlBufferAppendTail(buffer, Iota(c.before, c.append).data(), c.append), TQS_OK);
         EXPECT_EQ(buffer->nBufSize, c.grown) << c.capacity << "+" << c.before << "+" << c.append;
-        EXPECT_EQ(Data(buffer), Bytes(0, c.before + c.append));
+        EXPECT_EQ(Data(buffer), Iota(0, c.before + c.append));
         EXPECT_EQ(check.CountAt(kUnit, 188), c.grown != c.capacity ? 1u : 0u);
-        ExpectInvariants(buffer);
         smlBufferDelete(buffer);
     }
-}
-
-TEST(SmlBuffer, ReallocMovesDataToTheFront) {
-    SmlBuffer *buffer = Filled(16, 10);
-    ASSERT_EQ(smlBufferPull(buffer, 4), TQS_OK);
-    ASSERT_EQ(smlBufferRealloc(buffer, 1), TQS_OK);  // raised to 512
+    // Growth below 512 is raised to 512; the data move to the front.
+    SmlBuffer *buffer = Filled(16, 10, 4);
+    ASSERT_EQ(smlBufferRealloc(buffer, 1), TQS_OK);
     EXPECT_EQ(buffer->nBufSize, 16u + 512u);
     EXPECT_EQ(buffer->pHead, buffer->pBase);
-    EXPECT_EQ(Data(buffer), Bytes(4, 6));
-    ExpectInvariants(buffer);
+    EXPECT_EQ(Data(buffer), Iota(4, 6));
     smlBufferDelete(buffer);
 }
 
 TEST(SmlBuffer, AppendNothing) {
     SmlBuffer *buffer = Filled(8, 3);
-    SmlBuffer before = *buffer;
     EXPECT_EQ(smlBufferAppendTail(buffer, "xyz", 0), TQS_OK);
     EXPECT_EQ(smlBufferAppendTail(buffer, nullptr, 5), TQS_OK);
-    EXPECT_EQ(buffer->pTail, before.pTail);
-    EXPECT_EQ(buffer->nDataSize, 3u);
+    EXPECT_EQ(Data(buffer), Iota(0, 3));
     EXPECT_EQ(smlBufferAppendTail(nullptr, "x", 1), TQS_ERROR_BUFFER_NULL);
     EXPECT_EQ(smlBufferAppendStr(buffer, "ab"), TQS_OK);
-    EXPECT_EQ(Data(buffer), (std::vector<unsigned char>{0, 1, 2, 'a', 'b'}));
+    EXPECT_EQ(Data(buffer), (Bytes{0, 1, 2, 'a', 'b'}));
     smlBufferDelete(buffer);
 }
 
@@ -105,79 +98,68 @@ TEST(SmlBuffer, GetDataAndPull) {
     SmlBuffer *buffer = Filled(16, 10);
     unsigned char out[16] = {};
     EXPECT_EQ(smlBufferGetData(buffer, out, 4), TQS_OK);
-    EXPECT_EQ(out[3], 3);
-    EXPECT_EQ(smlBufferGetDataSize(buffer), 6u);
-    EXPECT_EQ(*smlBufferGetDataBuffer(buffer, 0), 4);  // the fifth byte appended
-    EXPECT_EQ(buffer->pTail, buffer->pBase + 10);      // the tail does not move
+    EXPECT_EQ(Bytes(out, out + 4), Iota(0, 4));
+    EXPECT_EQ(Data(buffer), Iota(4, 6));  // the tail does not move
     EXPECT_EQ(smlBufferGetDataBuffer(buffer, 6), buffer->pTail);
     EXPECT_EQ(smlBufferGetDataBuffer(buffer, 7), nullptr);
     EXPECT_EQ(smlBufferGetData(buffer, out, 7), TQS_ERROR_BUFFER_NO_DATA);
-    EXPECT_EQ(smlBufferGetData(nullptr, out, 1), TQS_ERROR_BUFFER_NULL);
     EXPECT_EQ(smlBufferPull(buffer, 2), TQS_OK);
-    EXPECT_EQ(*smlBufferGetDataBuffer(buffer, 0), 6);
+    EXPECT_EQ(Data(buffer), Iota(6, 4));
     // Pulling past the data would move the head out of the storage: it stops at the end.
     EXPECT_EQ(smlBufferPull(buffer, 100), TQS_OK);
-    EXPECT_EQ(smlBufferGetDataSize(buffer), 0u);
-    EXPECT_EQ(buffer->pHead, buffer->pTail);
+    EXPECT_EQ(Data(buffer), Bytes{});
+    EXPECT_EQ(buffer->pTail, buffer->pBase + 10);
     EXPECT_EQ(smlBufferGetData(buffer, out, 0), TQS_ERROR_BUFFER_NO_DATA);
+    smlBufferDelete(buffer);
+
+    EXPECT_EQ(smlBufferGetData(nullptr, out, 1), TQS_ERROR_BUFFER_NULL);
     EXPECT_EQ(smlBufferPull(nullptr, 1), TQS_ERROR_BUFFER_NULL);
     EXPECT_EQ(smlBufferGetDataSize(nullptr), 0u);
     EXPECT_EQ(smlBufferGetRemainSize(nullptr), 0u);
     EXPECT_EQ(smlBufferGetDataBuffer(nullptr, 0), nullptr);
-    smlBufferDelete(buffer);
 }
 
 TEST(SmlBuffer, InsertHead) {
-    MemCheck check;
-    // Room before the head: the head moves back, the data stay.
-    SmlBuffer *buffer = Filled(16, 10);
-    unsigned char out[4];
-    smlBufferGetData(buffer, out, 4);
-    unsigned char *tail = buffer->pTail;
-    ASSERT_EQ(smlBufferInsertHead(buffer, "abc", 3), TQS_OK);
-    EXPECT_EQ(buffer->pHead, buffer->pBase + 1);
-    EXPECT_EQ(buffer->pTail, tail);
-    EXPECT_EQ(Data(buffer), (std::vector<unsigned char>{'a', 'b', 'c', 4, 5, 6, 7, 8, 9}));
-    EXPECT_EQ(check.Live().size(), 2u);  // the scratch copy (line 300) is freed again
-    ExpectInvariants(buffer);
-    smlBufferDelete(buffer);
-
-    // No room before the head, room behind: the data move up.
-    buffer = Filled(16, 5);
-    ASSERT_EQ(smlBufferInsertHead(buffer, "xy", 2), TQS_OK);
-    EXPECT_EQ(buffer->nBufSize, 16u);
-    EXPECT_EQ(Data(buffer), (std::vector<unsigned char>{'x', 'y', 0, 1, 2, 3, 4}));
-    ExpectInvariants(buffer);
-    smlBufferDelete(buffer);
-
-    // No room anywhere: grows by at least 512.
-    buffer = Filled(8, 7);
-    ASSERT_EQ(smlBufferInsertHead(buffer, "xy", 2), TQS_OK);
-    EXPECT_EQ(buffer->nBufSize, 8u + 512u);
-    EXPECT_EQ(Data(buffer), (std::vector<unsigned char>{'x', 'y', 0, 1, 2, 3, 4, 5, 6}));
-    ExpectInvariants(buffer);
-    smlBufferDelete(buffer);
-    EXPECT_TRUE(check.Live().empty());
+    struct Case {
+        const char *name;
+        uint32_t capacity, count, consumed;
+        uint32_t bufSize;  // after the insertion
+        Bytes data;
+    } cases[] = {
+        {"room before the head: the head moves back", 16, 10, 4, 16, {'x', 'y', 4, 5, 6, 7, 8, 9}},
+        {"room only behind: the data move up", 16, 5, 0, 16, {'x', 'y', 0, 1, 2, 3, 4}},
+        {"no room: grows by at least 512", 8, 7, 0, 8 + 512, {'x', 'y', 0, 1, 2, 3, 4, 5, 6}},
+    };
+    for (const Case &c : cases) {
+        MemCheck check;
+        SmlBuffer *buffer = Filled(c.capacity, c.count, c.consumed);
+        unsigned char *tail = buffer->pTail;
+        ASSERT_EQ(smlBufferInsertHead(buffer, "xy", 2), TQS_OK) << c.name;
+        EXPECT_EQ(buffer->nBufSize, c.bufSize) << c.name;
+        EXPECT_EQ(Data(buffer), c.data) << c.name;
+        if (c.consumed != 0) EXPECT_EQ(buffer->pTail, tail) << c.name;
+        EXPECT_EQ(check.Live().size(), 2u) << c.name;  // the scratch copy (line 300) is freed again
+        smlBufferDelete(buffer);
+    }
     EXPECT_EQ(smlBufferInsertHead(nullptr, "x", 1), TQS_ERROR_BUFFER_NULL);
 }
 
 TEST(SmlBuffer, Cut) {
     struct Case {
         uint32_t offset, length;
-        std::vector<unsigned char> data;
+        Bytes data;
     } cases[] = {
         {2, 3, {0, 1, 5, 6, 7, 8, 9}},
         {7, 5, {0, 0, 0, 3, 4, 5, 6}},  // reaches the end: the head is zeroed, not the cut
         {0, 10, {}},
-        {10, 3, {0, 1, 2, 3, 4, 5, 6, 7, 8, 9}},
-        {0, 1, {1, 2, 3, 4, 5, 6, 7, 8, 9}},
+        {10, 3, Iota(0, 10)},
+        {0, 1, Iota(1, 9)},
         {3, 0xFFFFFFFFu, {0, 0, 0}},  // length clipped without wrapping offset + length
     };
     for (const Case &c : cases) {
         SmlBuffer *buffer = Filled(16, 10);
         EXPECT_EQ(smlBufferCut(buffer, c.offset, c.length), TQS_OK);
         EXPECT_EQ(Data(buffer), c.data) << c.offset << "," << c.length;
-        ExpectInvariants(buffer);
         smlBufferDelete(buffer);
     }
     SmlBuffer *buffer = Filled(16, 10);
@@ -190,18 +172,14 @@ TEST(SmlBuffer, Cut) {
 
 TEST(SmlBuffer, ShiftheadAndInit) {
     MemCheck check;
-    SmlBuffer *buffer = Filled(16, 10);
-    unsigned char out[4];
-    smlBufferGetData(buffer, out, 4);
+    SmlBuffer *buffer = Filled(16, 10, 4);
     ASSERT_EQ(smlBufferShifthead(buffer), TQS_OK);
     EXPECT_EQ(buffer->pHead, buffer->pBase);
-    EXPECT_EQ(Data(buffer), Bytes(4, 6));
-    for (unsigned char *p = buffer->pTail; p < buffer->pEnd; ++p) EXPECT_EQ(*p, 0);
-    ExpectInvariants(buffer);
+    EXPECT_EQ(Data(buffer), Iota(4, 6));
+    EXPECT_EQ(Bytes(buffer->pTail, buffer->pEnd), Bytes(10, 0));
     EXPECT_EQ(check.Live().size(), 2u);  // scratch (line 493) freed
 
-    smlBufferGetData(buffer, out, 4);
-    smlBufferPull(buffer, 2);  // empty, head moved
+    smlBufferPull(buffer, 6);  // empty, head moved
     ASSERT_EQ(smlBufferShifthead(buffer), TQS_OK);
     EXPECT_EQ(buffer->pHead, buffer->pBase);
     EXPECT_EQ(buffer->pTail, buffer->pBase);
@@ -219,9 +197,7 @@ TEST(SmlBuffer, OutsideStorage) {
     ASSERT_EQ(smlBufferCreateOutsideBuf(&buffer, storage, 16), TQS_OK);
     EXPECT_EQ(check.CountAt(kUnit, 231), 1u);
     EXPECT_EQ(buffer->bOutside, 1u);
-    EXPECT_EQ(storage[0], 0);  // the caller's bytes are wiped
-    EXPECT_EQ(storage[15], 0);
-    EXPECT_EQ(storage[16], 0xEE);
+    EXPECT_EQ(Bytes(storage, storage + 17), Bytes({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xEE}));
     EXPECT_EQ(smlBufferRealloc(buffer, 10), TQS_ERROR_BUFFER_OUTSIDE);
     const unsigned char more[15] = {};
     EXPECT_EQ(smlBufferAppendTail(buffer, more, 15), TQS_OK);
@@ -232,16 +208,13 @@ TEST(SmlBuffer, OutsideStorage) {
 }
 
 TEST(SmlBuffer, Duplicate) {
-    SmlBuffer *source = Filled(16, 10);
-    unsigned char out[3];
-    smlBufferGetData(source, out, 3);
+    SmlBuffer *source = Filled(16, 10, 3);
     SmlBuffer *copy = nullptr;
     ASSERT_EQ(smlBufferDuplicate(&copy, source), TQS_OK);
     EXPECT_NE(copy->pBase, source->pBase);
     EXPECT_EQ(copy->nBufSize, 16u);
     EXPECT_EQ(copy->pHead - copy->pBase, 3);
-    EXPECT_EQ(copy->pTail - copy->pBase, 10);
-    EXPECT_EQ(Data(copy), Data(source));
+    EXPECT_EQ(Data(copy), Iota(3, 7));
     SmlBuffer *none = copy;
     EXPECT_EQ(smlBufferDuplicate(&none, nullptr), TQS_ERROR_BUFFER_NULL);
     EXPECT_EQ(none, nullptr);  // out-parameters read null after a failure

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <string>
 #include <vector>
 
 #include "mem_check.h"
@@ -10,71 +12,93 @@
 namespace {
 
 const char kUnit[] = "jni/src/ClientProv/tqslist";
+const TqsListReleaseFn kKeep = TQS_LIST_KEEP_ITEMS;
 
-int g_items[8];
+int g_items[10];
 void *Item(int i) {
     return &g_items[i];
 }
 
-std::vector<void *> Walk(TqsList *list) {
-    std::vector<void *> items;
-    EXPECT_EQ(tqsListSetCurNodeFirst(list), TQS_OK);
-    void *item = nullptr;
-    while (tqsListGetItemNext(list, &item) == TQS_OK && item != nullptr) items.push_back(item);
+// Digit of an item, '-' for null.
+char Name(const void *item) {
+    return item == nullptr ? '-' : static_cast<char>('0' + (static_cast<const int *>(item) - g_items));
+}
+
+// Runs list operations, each expected to succeed, and returns the items that
+// the reading and taking ones handed out. c: cursor to the head, n: next item,
+// N: take the cursor's node, F: take the head, f: delete the head, a: delete
+// all, dK: delete item K, iK: take index K, +K: append item K.
+std::string Ops(TqsList *list, const std::string &script) {
+    std::string out;
+    for (size_t i = 0; i < script.size(); ++i) {
+        const char op = script[i];
+        const int k = i + 1 < script.size() ? script[i + 1] - '0' : 0;
+        void *item = nullptr;
+        TqsResult result = TQS_OK;
+        if (op == 'c') result = tqsListSetCurNodeFirst(list);
+        if (op == 'n') result = tqsListGetItemNext(list, &item);
+        if (op == 'N') result = tqsListGetItemNextAndDeleteNode(list, &item);
+        if (op == 'F') result = tqsListGetItemFirstAndDeleteNode(list, &item);
+        if (op == 'f') result = tqsListDeleteNodeFirst(list, kKeep);
+        if (op == 'a') result = tqsListDeleteNodeAll(list, kKeep);
+        if (op == 'd') result = tqsListDeleteNodeFindItem(list, Item(k), kKeep);
+        if (op == 'i') result = tqsListGetItemIndexAndDeleteNode(list, &item, k);
+        if (op == '+') result = tqsListAddNodeLast(list, Item(k));
+        EXPECT_EQ(result, TQS_OK) << script << " at " << i;
+        if (std::strchr("nNFi", op) != nullptr) out += Name(item);
+        if (std::strchr("di+", op) != nullptr) ++i;
+    }
+    return out;
+}
+
+// The items from the head on, by the cursor.
+std::string Walk(TqsList *list) {
+    std::string items = Ops(list, "c");
+    for (std::string next = Ops(list, "n"); next != "-"; next = Ops(list, "n")) items += next;
     return items;
 }
 
-TqsList *ListOf(std::initializer_list<int> indexes) {
+TqsList *ListOf(const std::string &digits) {
     TqsList *list = nullptr;
     EXPECT_EQ(tqsListCreate(&list, nullptr), TQS_OK);
-    for (int i : indexes) EXPECT_EQ(tqsListAddNodeLast(list, Item(i)), TQS_OK);
+    for (char digit : digits) Ops(list, std::string("+") + digit);
     return list;
 }
 
-std::vector<void *> released;
-uint32_t Record(void *item) {
-    released.push_back(item);
-    return 99;
-}
-
-TEST(TqsList, AllocationLinesAndSizes) {
+TEST(TqsList, AllocationLinesSizesAndOrder) {
     MemCheck check;
     TqsList *list = nullptr;
     ASSERT_EQ(tqsListCreate(&list, Item(0)), TQS_OK);
+    EXPECT_EQ(tqsListGetCount(list), 1u);
+    EXPECT_EQ(Ops(list, "n"), "-");  // the cursor starts null
     ASSERT_EQ(tqsListAddNodeLast(list, Item(1)), TQS_OK);
     ASSERT_EQ(tqsListAddNodeFirst(list, Item(2)), TQS_OK);
-    EXPECT_EQ(check.CountAt(kUnit, 38), 1u);
-    EXPECT_EQ(check.CountAt(kUnit, 47), 1u);
-    EXPECT_EQ(check.CountAt(kUnit, 78), 1u);
-    EXPECT_EQ(check.CountAt(kUnit, 120), 1u);
+    for (uint32_t line : {38, 47, 78, 120}) EXPECT_EQ(check.CountAt(kUnit, line), 1u) << line;
     for (const LiveBlock &block : check.Live()) {
         EXPECT_EQ(block.size, block.line == 38 ? sizeof(TqsList) + 1 : sizeof(TqsListNode) + 1);
     }
-    EXPECT_EQ(tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
-    EXPECT_TRUE(check.Live().empty());
-}
-
-TEST(TqsList, CursorAndOrder) {
-    TqsList *list = nullptr;
-    ASSERT_EQ(tqsListCreate(&list, Item(0)), TQS_OK);
-    EXPECT_EQ(tqsListGetCount(list), 1u);
-    void *item = Item(7);
-    EXPECT_EQ(tqsListGetItemNext(list, &item), TQS_OK);
-    EXPECT_EQ(item, nullptr);  // cursor starts null
-    tqsListAddNodeLast(list, Item(1));
-    tqsListAddNodeLast(list, Item(2));
-    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(0), Item(1), Item(2)}));
-    tqsListAddNodeFirst(list, Item(3));
+    tqsListAddNodeLast(list, Item(3));
     tqsListAddNodeFirst(list, Item(4));
-    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(4), Item(3), Item(0), Item(1), Item(2)}));
+    EXPECT_EQ(Walk(list), "42013");
     EXPECT_EQ(tqsListGetCount(list), 5u);
+    void *item = nullptr;
     EXPECT_EQ(tqsListGetItemFirst(list, &item), TQS_OK);
     EXPECT_EQ(item, Item(4));
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+    EXPECT_EQ(tqsListDeleteNodeAllAndList(list, kKeep), TQS_OK);
+    EXPECT_TRUE(check.Live().empty());
+
+    // An empty list filled from the front, then from the back.
+    list = ListOf("");
+    EXPECT_EQ(tqsListGetCount(list), 0u);
+    ASSERT_EQ(tqsListAddNodeFirst(list, Item(5)), TQS_OK);
+    ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
+    EXPECT_EQ(Walk(list), "57");
+    EXPECT_EQ(tqsListGetCount(list), 2u);
+    tqsListDeleteNodeAllAndList(list, kKeep);
 }
 
 TEST(TqsList, RefusalsAndNullLists) {
-    TqsList *list = ListOf({0, 1});
+    TqsList *list = ListOf("01");
     EXPECT_EQ(tqsListAddNodeLast(list, nullptr), TQS_ERROR_INVALID_PARAM);
     EXPECT_EQ(tqsListAddNodeFirst(list, nullptr), TQS_ERROR_INVALID_PARAM);
     EXPECT_EQ(tqsListGetCount(list), 2u);
@@ -87,14 +111,14 @@ TEST(TqsList, RefusalsAndNullLists) {
     EXPECT_EQ(item, nullptr);
     EXPECT_EQ(tqsListGetItemIndex(list, &item, 1), TQS_OK);
     EXPECT_EQ(item, Item(1));
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+    tqsListDeleteNodeAllAndList(list, kKeep);
 
     EXPECT_EQ(tqsListAddNodeLast(nullptr, Item(0)), TQS_ERROR_INVALID_PARAM);
     EXPECT_EQ(tqsListAddNodeFirst(nullptr, Item(0)), TQS_ERROR_INVALID_PARAM);
     EXPECT_EQ(tqsListDeleteNodeFindItem(nullptr, Item(0), nullptr), TQS_ERROR_INVALID_PARAM);
-    EXPECT_EQ(tqsListDeleteNodeFirst(nullptr, nullptr), TQS_ERROR_INVALID_PARAM);
-    EXPECT_EQ(tqsListDeleteNodeAll(nullptr, nullptr), TQS_ERROR_INVALID_PARAM);
-    EXPECT_EQ(tqsListDeleteNodeAllAndList(nullptr, nullptr), TQS_ERROR_INVALID_PARAM);
+    for (auto drop : {tqsListDeleteNodeFirst, tqsListDeleteNodeAll, tqsListDeleteNodeAllAndList}) {
+        EXPECT_EQ(drop(nullptr, nullptr), TQS_ERROR_INVALID_PARAM);
+    }
     EXPECT_EQ(tqsListSetCurNodeFirst(nullptr), TQS_ERROR_INVALID_PARAM);
     item = Item(7);
     EXPECT_EQ(tqsListGetItemFirst(nullptr, &item), TQS_ERROR_INVALID_PARAM);
@@ -109,6 +133,12 @@ TEST(TqsList, RefusalsAndNullLists) {
     EXPECT_EQ(tqsListGetCount(nullptr), 0u);
 }
 
+std::vector<void *> g_released;
+uint32_t Record(void *item) {
+    g_released.push_back(item);
+    return 99;
+}
+
 TEST(TqsList, ReleaseRule) {
     MemCheck check;
     TqsList *list = nullptr;
@@ -117,18 +147,17 @@ TEST(TqsList, ReleaseRule) {
     ASSERT_EQ(tqsListCreate(&list, a), TQS_OK);
     tqsListAddNodeLast(list, b);
     // The marker leaves the items allocated.
-    EXPECT_EQ(tqsListDeleteNodeAll(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
+    EXPECT_EQ(tqsListDeleteNodeAll(list, kKeep), TQS_OK);
     EXPECT_EQ(tqsListGetCount(list), 0u);
     EXPECT_EQ(check.CountAt("test", 1) + check.CountAt("test", 2), 2u);
     void *item = Item(7);
     EXPECT_EQ(tqsListGetItemFirst(list, &item), TQS_OK);
     EXPECT_EQ(item, nullptr);
     // A routine is called per item; null frees them.
-    released.clear();
     tqsListAddNodeLast(list, a);
     tqsListAddNodeLast(list, b);
     EXPECT_EQ(tqsListDeleteNodeFirst(list, Record), TQS_OK);
-    EXPECT_EQ(released, std::vector<void *>{a});
+    EXPECT_EQ(g_released, std::vector<void *>{a});
     EXPECT_EQ(tqsListDeleteNodeFindItem(list, b, nullptr), TQS_OK);
     EXPECT_EQ(check.CountAt("test", 2), 0u);
     tqsListAddNodeLast(list, a);
@@ -136,215 +165,100 @@ TEST(TqsList, ReleaseRule) {
     EXPECT_TRUE(check.Live().empty());
 }
 
-TEST(TqsList, DeleteFindItemMovesCursorOffTheRemovedNode) {
-    TqsList *list = ListOf({0, 1, 2});
-    void *item = nullptr;
-    tqsListSetCurNodeFirst(list);
-    tqsListGetItemNext(list, &item);  // cursor now on 1
-    EXPECT_EQ(tqsListDeleteNodeFindItem(list, Item(1), TQS_LIST_KEEP_ITEMS), TQS_OK);
-    EXPECT_EQ(tqsListGetItemNext(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(2));
-    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(0), Item(2)}));
+TEST(TqsList, CursorAndTakeOperations) {
+    TqsList *list = ListOf("012");
+    EXPECT_EQ(Ops(list, "cnd1n"), "02");  // the cursor was on 1 when it was deleted
+    EXPECT_EQ(Walk(list), "02");
     EXPECT_EQ(tqsListGetCount(list), 2u);
-    EXPECT_EQ(tqsListDeleteNodeFirst(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
-    EXPECT_EQ(tqsListDeleteNodeFirst(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
-    EXPECT_EQ(tqsListDeleteNodeFirst(list, TQS_LIST_KEEP_ITEMS), TQS_OK);  // empty: nothing done
-    EXPECT_EQ(tqsListGetCount(list), 0u);
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
-}
-
-TEST(TqsList, DeleteFirstUnderTheCursorDoesNotLeaveItOnFreedMemory) {
     // A cursor on the freed head would be read after free (ASan): it moves on.
-    TqsList *list = ListOf({0, 1});
-    tqsListSetCurNodeFirst(list);
-    EXPECT_EQ(tqsListDeleteNodeFirst(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
-    void *item = nullptr;
-    EXPECT_EQ(tqsListGetItemNext(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(1));
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
-}
+    EXPECT_EQ(Ops(list, "cfn"), "2");
+    EXPECT_EQ(Ops(list, "ff"), "");  // the second one on an empty list: nothing done
+    EXPECT_EQ(tqsListGetCount(list), 0u);
+    tqsListDeleteNodeAllAndList(list, kKeep);
 
-TEST(TqsList, TakeOperations) {
-    TqsList *list = ListOf({0, 1, 2, 3});
-    void *item = nullptr;
-    tqsListSetCurNodeFirst(list);
-    EXPECT_EQ(tqsListGetItemFirstAndDeleteNode(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(0));
-    EXPECT_EQ(list->ptCur, list->ptHead);  // cursor followed the head
-    tqsListGetItemNext(list, &item);       // cursor now on 2
-    EXPECT_EQ(tqsListGetItemNextAndDeleteNode(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(2));
-    EXPECT_EQ(tqsListGetItemNext(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(3));
-    EXPECT_EQ(tqsListGetItemNextAndDeleteNode(list, &item), TQS_OK);  // cursor at the end
-    EXPECT_EQ(item, nullptr);
-    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(1), Item(3)}));
-    tqsListSetCurNodeFirst(list);
-    EXPECT_EQ(tqsListGetItemNextAndDeleteNode(list, &item), TQS_OK);  // cursor on the head
-    EXPECT_EQ(item, Item(1));
+    list = ListOf("0123");
+    // The cursor follows the taken head; taking at the cursor's end gives null.
+    EXPECT_EQ(Ops(list, "cFnNnN"), "0123-");
+    EXPECT_EQ(Walk(list), "13");
+    EXPECT_EQ(Ops(list, "cN"), "1");  // cursor on the head
     EXPECT_EQ(tqsListGetCount(list), 1u);
-    EXPECT_EQ(tqsListGetItemFirstAndDeleteNode(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(3));
-    EXPECT_EQ(tqsListGetItemFirstAndDeleteNode(list, &item), TQS_OK);  // empty
-    EXPECT_EQ(item, nullptr);
+    EXPECT_EQ(Ops(list, "FF"), "3-");
     EXPECT_EQ(list->ptHead, nullptr);
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+    tqsListDeleteNodeAllAndList(list, kKeep);
 }
 
 TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
     MemCheck check;
-    TqsList *list = ListOf({0, 1, 2, 3});
-    TqsListNode *first = list->ptHead;
-    TqsListNode *second = first->ptNext;
-    void *item = nullptr;
-    tqsListSetCurNodeFirst(list);  // on a node that is about to be dropped
-    EXPECT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 2), TQS_OK);
-    EXPECT_EQ(item, Item(2));
+    TqsList *list = ListOf("0123");
+    // The cursor, on a node that drops out, walks the dropped nodes, then skips the freed one.
+    EXPECT_EQ(Ops(list, "ci2nnnn"), "2013-");
+    EXPECT_EQ(Walk(list), "3");
     EXPECT_EQ(tqsListGetCount(list), 3u);
-    ASSERT_NE(list->ptHead, nullptr);
-    EXPECT_EQ(list->ptHead->pItem, Item(3));
-    EXPECT_EQ(list->ptHead->ptNext, nullptr);
-    // The cursor walks the dropped nodes, then skips the freed one.
-    std::vector<void *> seen;
-    while (tqsListGetItemNext(list, &item) == TQS_OK && item != nullptr) seen.push_back(item);
-    EXPECT_EQ(seen, (std::vector<void *>{Item(0), Item(1), Item(3)}));
     // The chain is shorter than the count now: index walks stop instead of
     // following the null link.
+    void *item = Item(7);
     EXPECT_EQ(tqsListGetItemIndex(list, &item, 2), TQS_ERROR_NOT_FOUND);
     EXPECT_EQ(item, nullptr);
     EXPECT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 1), TQS_ERROR_NOT_FOUND);
-    EXPECT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 0), TQS_OK);  // index 0: ordinary head removal
-    EXPECT_EQ(item, Item(3));
+    EXPECT_EQ(Ops(list, "i0"), "3");  // index 0: ordinary head removal
     EXPECT_EQ(tqsListGetCount(list), 2u);
     EXPECT_EQ(list->ptHead, nullptr);
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
-    // The two dropped nodes were never freed.
-    EXPECT_EQ(check.Live().size(), 2u);
-    tqsMemFree_debug(first);
-    tqsMemFree_debug(second);
-}
+    tqsListDeleteNodeAllAndList(list, kKeep);
+    EXPECT_EQ(check.Live().size(), 2u);  // the two dropped nodes were never freed
+    check.FreeAll();
 
-TEST(TqsList, TakingFromACursorOnADroppedNodeLeavesTheChainAlone) {
-    MemCheck check;
-    TqsList *list = ListOf({0, 1, 2, 3});
+    // Taking from a cursor on a dropped node: it is taken and freed, the chain stays.
+    list = ListOf("0123");
     TqsListNode *second = list->ptHead->ptNext;
-    tqsListSetCurNodeFirst(list);
-    void *item = nullptr;
-    ASSERT_EQ(tqsListGetItemIndexAndDeleteNode(list, &item, 2), TQS_OK);
-    // The cursor's node is no longer in the chain: it is taken and freed, the head stays.
-    EXPECT_EQ(tqsListGetItemNextAndDeleteNode(list, &item), TQS_OK);
-    EXPECT_EQ(item, Item(0));
-    EXPECT_EQ(list->ptHead->pItem, Item(3));
-    EXPECT_EQ(list->ptHead->ptNext, nullptr);
-    EXPECT_EQ(tqsListGetCount(list), 2u);
+    EXPECT_EQ(Ops(list, "ci2N"), "20");
     EXPECT_EQ(list->ptCur, second);
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
+    EXPECT_EQ(Walk(list), "3");
+    EXPECT_EQ(tqsListGetCount(list), 2u);
+    tqsListDeleteNodeAllAndList(list, kKeep);
     EXPECT_EQ(check.Live().size(), 1u);  // the other dropped node
-    tqsMemFree_debug(second);
+    check.FreeAll();
 }
 
 // Appending after each kind of removal: the new node lands behind the last
 // node of the chain as it stands, wherever the removal left it.
 TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
     struct Case {
-        const char *name;
-        void (*remove)(TqsList *list, std::vector<TqsListNode *> *dropped);
-        std::vector<int> expected;  // items after appending 7
-    };
-    const Case cases[] = {
-        {"find the tail",
-         [](TqsList *l, std::vector<TqsListNode *> *) {
-             tqsListDeleteNodeFindItem(l, Item(3), TQS_LIST_KEEP_ITEMS);
-         },
-         {0, 1, 2, 7}},
-        {"find the head",
-         [](TqsList *l, std::vector<TqsListNode *> *) {
-             tqsListDeleteNodeFindItem(l, Item(0), TQS_LIST_KEEP_ITEMS);
-         },
-         {1, 2, 3, 7}},
-        {"first until empty",
-         [](TqsList *l, std::vector<TqsListNode *> *) {
-             for (int i = 0; i < 4; ++i) tqsListDeleteNodeFirst(l, TQS_LIST_KEEP_ITEMS);
-         },
-         {7}},
-        {"all",
-         [](TqsList *l, std::vector<TqsListNode *> *) { tqsListDeleteNodeAll(l, TQS_LIST_KEEP_ITEMS); },
-         {7}},
-        {"take the first",
-         [](TqsList *l, std::vector<TqsListNode *> *) {
-             void *item;
-             tqsListGetItemFirstAndDeleteNode(l, &item);
-         },
-         {1, 2, 3, 7}},
-        {"take the cursor on the tail",
-         [](TqsList *l, std::vector<TqsListNode *> *) {
-             void *item;
-             tqsListSetCurNodeFirst(l);
-             for (int i = 0; i < 3; ++i) tqsListGetItemNext(l, &item);
-             tqsListGetItemNextAndDeleteNode(l, &item);
-         },
-         {0, 1, 2, 7}},
-        {"take the tail by index (the head jumps to null)",
-         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
-             void *item;
-             for (TqsListNode *n = l->ptHead; n->ptNext != nullptr; n = n->ptNext) dropped->push_back(n);
-             tqsListGetItemIndexAndDeleteNode(l, &item, 3);
-         },
-         {7}},
-        {"take an inner node by index",
-         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
-             void *item;
-             dropped->push_back(l->ptHead);
-             tqsListGetItemIndexAndDeleteNode(l, &item, 1);
-         },
-         {2, 3, 7}},
-        {"take the cursor on a dropped node",
-         [](TqsList *l, std::vector<TqsListNode *> *dropped) {
-             void *item;
-             dropped->push_back(l->ptHead->ptNext);
-             tqsListSetCurNodeFirst(l);
-             tqsListGetItemIndexAndDeleteNode(l, &item, 2);
-             tqsListGetItemNextAndDeleteNode(l, &item);
-         },
-         {3, 7}},
+        const char *name, *removal;
+        size_t dropped;     // nodes out of the chain, never freed
+        std::string chain;  // after appending 7
+    } cases[] = {
+        {"find the tail", "d3", 0, "0127"},
+        {"find the head", "d0", 0, "1237"},
+        {"first until empty", "ffff", 0, "7"},
+        {"all", "a", 0, "7"},
+        {"take the first", "F", 0, "1237"},
+        {"take the cursor on the tail", "cnnnN", 0, "0127"},
+        {"take the tail by index (the head jumps to null)", "i3", 3, "7"},
+        {"take an inner node by index", "i1", 1, "237"},
+        {"take the cursor on a dropped node", "ci2N", 1, "37"},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         MemCheck check;
-        TqsList *list = ListOf({0, 1, 2, 3});
-        std::vector<TqsListNode *> dropped;
-        c.remove(list, &dropped);
-        ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
-        std::vector<void *> expected;
-        for (int i : c.expected) expected.push_back(Item(i));
-        EXPECT_EQ(Walk(list), expected);
-        ASSERT_EQ(tqsListAddNodeLast(list, Item(6)), TQS_OK);  // and again behind it
-        expected.push_back(Item(6));
-        EXPECT_EQ(Walk(list), expected);
-        tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
-        for (TqsListNode *n : dropped) tqsMemFree_debug(n);
-        EXPECT_TRUE(check.Live().empty());
+        TqsList *list = ListOf("0123");
+        Ops(list, std::string(c.removal) + "+7");
+        EXPECT_EQ(Walk(list), c.chain);
+        Ops(list, "+6");  // and again behind it
+        EXPECT_EQ(Walk(list), c.chain + "6");
+        tqsListDeleteNodeAllAndList(list, kKeep);
+        EXPECT_EQ(check.Live().size(), c.dropped);
+        check.FreeAll();
     }
-    // An empty list filled from the front, then from the back.
-    TqsList *list = nullptr;
-    ASSERT_EQ(tqsListCreate(&list, nullptr), TQS_OK);
-    EXPECT_EQ(tqsListGetCount(list), 0u);
-    ASSERT_EQ(tqsListAddNodeFirst(list, Item(5)), TQS_OK);
-    ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
-    EXPECT_EQ(Walk(list), (std::vector<void *>{Item(5), Item(7)}));
-    EXPECT_EQ(tqsListGetCount(list), 2u);
-    tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS);
 }
 
 TEST(TqsList, LongChainsNeedNoRecursion) {
-    TqsList *list = nullptr;
-    ASSERT_EQ(tqsListCreate(&list, nullptr), TQS_OK);
+    TqsList *list = ListOf("");
     const uint32_t n = 200000;
     for (uint32_t i = 0; i < n; ++i) ASSERT_EQ(tqsListAddNodeFirst(list, Item(i % 8)), TQS_OK);
     EXPECT_EQ(tqsListGetCount(list), n);
     void *item = nullptr;
     EXPECT_EQ(tqsListGetItemIndex(list, &item, n - 1), TQS_OK);
-    EXPECT_EQ(tqsListDeleteNodeAllAndList(list, TQS_LIST_KEEP_ITEMS), TQS_OK);
+    EXPECT_EQ(tqsListDeleteNodeAllAndList(list, kKeep), TQS_OK);
 }
 
 }  // namespace

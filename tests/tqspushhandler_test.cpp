@@ -16,6 +16,7 @@ const char kUnit[] = "jni/src/ClientProv/tqspushhandler";
 const char kWbxmlType[] = "application/vnd.wap.connectivity-wbxml";
 
 using Bytes = std::vector<unsigned char>;
+using Strings = std::vector<std::string>;
 
 Bytes Cat(std::initializer_list<Bytes> parts) {
     Bytes all;
@@ -30,6 +31,11 @@ Bytes Text(const std::string &s) {
     return b;
 }
 
+// A push PDU whose header length byte covers `header` exactly.
+Bytes Push(const Bytes &header, const Bytes &body) {
+    return Cat({{0x01, 0x06, static_cast<unsigned char>(header.size())}, header, body});
+}
+
 // The PDU copied into a block of exactly its size, so that ASan sees any read past it.
 struct Exact {
     explicit Exact(const Bytes &pdu)
@@ -42,7 +48,7 @@ struct Exact {
 
 struct Parsed {
     SmlPushHeader *header = nullptr;
-    std::vector<LiveBlock> live;  // tracked blocks right after the call
+    Strings live;  // blocks of the unit right after the call, as "line:size"
 };
 
 // Parses under the leak tracker; frees whatever the call left behind.
@@ -51,7 +57,10 @@ Parsed Parse(const Bytes &pdu) {
     MemCheck check;
     Parsed result;
     result.header = smlpushHdlrParsingWSPHeader(exact.bytes.get(), exact.size);
-    result.live = check.Live();
+    for (const LiveBlock &block : check.Live()) {
+        EXPECT_EQ(block.file, kUnit);
+        result.live.push_back(std::to_string(block.line) + ":" + std::to_string(block.size));
+    }
     if (result.header == nullptr) check.FreeAll();  // a refused PDU may leave its record behind
     return result;
 }
@@ -66,24 +75,20 @@ Bytes Body(const SmlPushHeader *h) {
     return Bytes(h->pBody, h->pBody + h->nBodyLen);
 }
 
+const std::string kRecordBlock = "51:" + std::to_string(sizeof(SmlPushHeader) + 1);
+
 TEST(PushHeader, MinimalPdu) {
     const Bytes body = {0x03, 0x0B, 0x6A, 0x00, 0xC5};
-    Parsed p = Parse(Cat({{0x01, 0x06, 0x03, 0xB6, 0x91, 0x80}, body}));
+    Parsed p = Parse(Push({0xB6, 0x91, 0x80}, body));
     ASSERT_NE(p.header, nullptr);
     EXPECT_EQ(p.header->nContentType, 0x36u);
     EXPECT_EQ(p.header->nHeaderLen, 3u);
     EXPECT_EQ(p.header->nSEC, 0x80u);
     EXPECT_EQ(p.header->nMACLen, 0u);
     EXPECT_STREQ(p.header->szMAC, "");
-    EXPECT_EQ(p.header->nBodyLen, body.size());
     EXPECT_EQ(Body(p.header), body);
     EXPECT_EQ(p.header->pBody[body.size()], 0);  // one zero byte behind the copy
-    ASSERT_EQ(p.live.size(), 2u);
-    EXPECT_EQ(p.live[0].line, 51u);
-    EXPECT_EQ(p.live[0].size, sizeof(SmlPushHeader) + 1);
-    EXPECT_EQ(p.live[1].line, 167u);
-    EXPECT_EQ(p.live[1].size, body.size() + 1);
-    EXPECT_EQ(p.live[1].file, kUnit);
+    EXPECT_EQ(p.live, (Strings{kRecordBlock, "167:6"}));
     Free(p.header);
 }
 
@@ -108,17 +113,18 @@ TEST(PushHeader, ContentTypeForms) {
         {"text dm", Text("application/vnd.syncml.dm+wbxml"), 0x42},
         {"text is case-sensitive", Text("Application/vnd.wap.connectivity-wbxml"), 0},
         {"unknown text", Text("application/x-wap-prov.browser-settings"), 0},
-        {"length quote skipped", Cat({{0x1F, 0x99}, {0xB6}}), 0x36},
+        {"length quote skipped", {0x1F, 0x99, 0xB6}, 0x36},
         {"length quote then text", Cat({{0x1F, 0x00}, Text(kWbxmlType)}), 0x36},
+        // Texts of 64+ characters, or without a zero in the PDU, are unknown texts.
+        {"text of 200 characters", Text(std::string(200, 'a')), 0},
+        {"known text and more", Text(kWbxmlType + std::string(30, 'x')), 0},
+        {"text of 63 characters read", Text(std::string(63, 'a')), 0},
     };
     for (const Case &c : cases) {
-        Bytes head = Cat({{0x01, 0x06}, {static_cast<unsigned char>(c.header.size())}, c.header});
-        Parsed p = Parse(Cat({head, {0xAA, 0xBB}}));
+        Parsed p = Parse(Push(c.header, {0xAA, 0xBB}));
         if (c.type == 0) {
             EXPECT_EQ(p.header, nullptr) << c.name;
-            // Refused content types leave the record allocated, by design.
-            ASSERT_EQ(p.live.size(), 1u) << c.name;
-            EXPECT_EQ(p.live[0].line, 51u) << c.name;
+            EXPECT_EQ(p.live, Strings{kRecordBlock}) << c.name;  // left allocated, by design
         } else {
             ASSERT_NE(p.header, nullptr) << c.name;
             EXPECT_EQ(p.header->nContentType, c.type) << c.name;
@@ -126,51 +132,64 @@ TEST(PushHeader, ContentTypeForms) {
         }
         Free(p.header);
     }
-}
-
-TEST(PushHeader, SecAndMac) {
-    const Bytes mac6 = Text("ABCDEF");
-    struct Case {
-        const char *name;
-        Bytes params;  // after the content type 0xB6
-        uint64_t sec;
-        std::string mac;
-    } cases[] = {
-        {"token SEC", {0x91, 0x81}, 0x81, ""},
-        {"text SEC any case", Cat({Text("sEc"), {0x80}}), 0x80, ""},
-        {"token MAC", Cat({{0x92}, mac6}), 0, "ABCDEF"},
-        {"text MAC lower case", Cat({Text("mac"), mac6}), 0, "ABCDEF"},
-        {"SEC then MAC", Cat({{0x91, 0x81, 0x92}, mac6}), 0x81, "ABCDEF"},
-        {"MAC then SEC: SEC not seen", Cat({{0x92}, mac6, {0x91, 0x81}}), 0, "ABCDEF"},
-        {"other header hides both", Cat({{0x81, 0xEA, 0x91, 0x81, 0x92}, mac6}), 0, ""},
-        {"empty MAC", {0x92, 0x00}, 0, ""},
-    };
-    for (const Case &c : cases) {
-        Bytes head = Cat({{0xB6}, c.params});
-        Bytes pdu = Cat({{0x01, 0x06, static_cast<unsigned char>(head.size())}, head, {0x03, 0x0B}});
+    // No content type byte at all, and a text that the PDU's end cuts before its zero.
+    for (const Bytes &pdu :
+         {Bytes{0x01, 0x06, 0x00}, Cat({{0x01, 0x06, 0x00}, Bytes(kWbxmlType, kWbxmlType + 38)})}) {
         Parsed p = Parse(pdu);
-        ASSERT_NE(p.header, nullptr) << c.name;
-        EXPECT_EQ(p.header->nSEC, c.sec) << c.name;
-        EXPECT_EQ(p.header->nMACLen, c.mac.size()) << c.name;
-        EXPECT_EQ(std::string(p.header->szMAC), c.mac) << c.name;
-        EXPECT_EQ(Body(p.header), (Bytes{0x03, 0x0B})) << c.name;
-        Free(p.header);
+        EXPECT_EQ(p.header, nullptr);
+        EXPECT_EQ(p.live, Strings{kRecordBlock});
     }
 }
 
-TEST(PushHeader, BodyFollowsTheHeaderLengthByteAlone) {
-    // Header length 5 covers B6 91 80 and two unknown bytes; the body starts after them.
-    Parsed p = Parse({0x01, 0x06, 0x05, 0xB6, 0x91, 0x80, 0xEE, 0xEE, 0x03, 0x01});
-    ASSERT_NE(p.header, nullptr);
-    EXPECT_EQ(p.header->nBodyLen, 2u);
-    EXPECT_EQ(Body(p.header), (Bytes{0x03, 0x01}));
-    Free(p.header);
-    // Header length 1 is shorter than the parameters read: they still count, the body overlaps them.
-    p = Parse({0x01, 0x06, 0x01, 0xB6, 0x91, 0x80});
-    ASSERT_NE(p.header, nullptr);
-    EXPECT_EQ(p.header->nSEC, 0x80u);
-    EXPECT_EQ(Body(p.header), (Bytes{0x91, 0x80}));
-    Free(p.header);
+TEST(PushHeader, SecMacAndBody) {
+    const Bytes mac6 = Text("ABCDEF");
+    struct Case {
+        const char *name;
+        Bytes pdu;
+        uint64_t sec;
+        std::string mac;
+        Bytes body;
+    } cases[] = {
+        {"token SEC", Push({0xB6, 0x91, 0x81}, {0x03, 0x0B}), 0x81, "", {0x03, 0x0B}},
+        {"text SEC any case", Push(Cat({{0xB6}, Text("sEc"), {0x80}}), {0x03}), 0x80, "", {0x03}},
+        {"token MAC", Push(Cat({{0xB6, 0x92}, mac6}), {0x03}), 0, "ABCDEF", {0x03}},
+        {"text MAC lower case", Push(Cat({{0xB6}, Text("mac"), mac6}), {0x03}), 0, "ABCDEF", {0x03}},
+        {"SEC then MAC", Push(Cat({{0xB6, 0x91, 0x81, 0x92}, mac6}), {0x03}), 0x81, "ABCDEF", {0x03}},
+        {"MAC then SEC: SEC not seen", Push(Cat({{0xB6, 0x92}, mac6, {0x91, 0x81}}), {}), 0, "ABCDEF", {}},
+        {"other header hides both", Push(Cat({{0xB6, 0x81, 0xEA, 0x91, 0x81, 0x92}, mac6}), {}), 0, "", {}},
+        {"empty MAC", Push({0xB6, 0x92, 0x00}, {0x03}), 0, "", {0x03}},
+        {"MAC cut to 47 characters",
+         Push(Cat({{0xB6, 0x92}, Text(std::string(46, 'M') + "z" + std::string(13, 'M'))}), {0x03}),
+         0,
+         std::string(46, 'M') + "z",
+         {0x03}},
+        // The body starts after the header length byte's block, whatever the parameters read.
+        {"unknown bytes in the header",
+         Push({0xB6, 0x91, 0x80, 0xEE, 0xEE}, {0x03, 0x01}),
+         0x80,
+         "",
+         {0x03, 0x01}},
+        {"header length shorter than the parameters",
+         {0x01, 0x06, 0x01, 0xB6, 0x91, 0x80},
+         0x80,
+         "",
+         {0x91, 0x80}},
+        // Parameters cut by the PDU's end are absent.
+        {"SEC value beyond the PDU", Push({0xB6, 0x91}, {}), 0, "", {}},
+        {"SEC text cut", Push({0xB6, 'S', 'E', 'C'}, {}), 0, "", {}},
+        {"SEC text with zero, value beyond", Push(Cat({{0xB6}, Text("SEC")}), {}), 0, "", {}},
+        {"MAC token at the end", Push({0xB6, 0x91, 0x81, 0x92}, {}), 0x81, "", {}},
+        {"MAC unterminated", Push({0xB6, 0x92, 'A', 'B', 'C'}, {}), 0, "ABC", {}},
+    };
+    for (const Case &c : cases) {
+        Parsed p = Parse(c.pdu);
+        ASSERT_NE(p.header, nullptr) << c.name;
+        EXPECT_EQ(p.header->nSEC, c.sec) << c.name;
+        EXPECT_EQ(std::string(p.header->szMAC), c.mac) << c.name;
+        EXPECT_EQ(p.header->nMACLen, c.mac.size()) << c.name;
+        EXPECT_EQ(Body(p.header), c.body) << c.name;
+        Free(p.header);
+    }
 }
 
 TEST(PushHeader, RefusedBeforeAnythingIsAllocated) {
@@ -190,65 +209,7 @@ TEST(PushHeader, RefusedBeforeAnythingIsAllocated) {
         EXPECT_TRUE(p.live.empty()) << c.name;
     }
     EXPECT_EQ(smlpushHdlrParsingWSPHeader(nullptr, 10), nullptr);
-}
 
-TEST(PushHeader, TruncatedParametersAreAbsent) {
-    struct Case {
-        const char *name;
-        Bytes pdu;
-        uint64_t sec;
-        std::string mac;
-    } cases[] = {
-        {"header only, no content type", {0x01, 0x06, 0x00}, 0, ""},
-        {"SEC value beyond the PDU", {0x01, 0x06, 0x02, 0xB6, 0x91}, 0, ""},
-        {"SEC text cut", Cat({{0x01, 0x06, 0x04, 0xB6}, {'S', 'E', 'C'}}), 0, ""},
-        {"SEC text with zero, value beyond", Cat({{0x01, 0x06, 0x05, 0xB6}, Text("SEC")}), 0, ""},
-        {"MAC token at the end", {0x01, 0x06, 0x04, 0xB6, 0x91, 0x81, 0x92}, 0x81, ""},
-        {"MAC unterminated", {0x01, 0x06, 0x05, 0xB6, 0x92, 'A', 'B', 'C'}, 0, "ABC"},
-    };
-    for (const Case &c : cases) {
-        Parsed p = Parse(c.pdu);
-        if (c.pdu.size() == 3) {
-            // No content type byte at all: the unknown-token path.
-            EXPECT_EQ(p.header, nullptr) << c.name;
-            continue;
-        }
-        ASSERT_NE(p.header, nullptr) << c.name;
-        EXPECT_EQ(p.header->nSEC, c.sec) << c.name;
-        EXPECT_EQ(std::string(p.header->szMAC), c.mac) << c.name;
-        EXPECT_EQ(p.header->nMACLen, c.mac.size()) << c.name;
-        EXPECT_EQ(p.header->nBodyLen, 0u) << c.name;
-        Free(p.header);
-    }
-}
-
-TEST(PushHeader, OversizedTexts) {
-    // A MAC longer than 47 characters is cut to its first 47.
-    std::string longMac(60, 'M');
-    longMac[46] = 'z';
-    Bytes head = Cat({{0xB6, 0x92}, Text(longMac)});
-    Parsed p = Parse(Cat({{0x01, 0x06, static_cast<unsigned char>(head.size())}, head, {0x03}}));
-    ASSERT_NE(p.header, nullptr);
-    EXPECT_EQ(p.header->nMACLen, 47u);
-    EXPECT_EQ(std::string(p.header->szMAC), longMac.substr(0, 47));
-    EXPECT_EQ(Body(p.header), Bytes{0x03});
-    Free(p.header);
-
-    // Content-type texts of 64+ characters, or without a zero in the PDU, are unknown texts.
-    for (const Bytes &text : {Text(std::string(200, 'a')), Text(kWbxmlType + std::string(30, 'x')),
-                              Bytes(kWbxmlType, kWbxmlType + sizeof(kWbxmlType) - 1)}) {
-        Bytes pdu = Cat({{0x01, 0x06, 0x00}, text});
-        p = Parse(pdu);
-        EXPECT_EQ(p.header, nullptr);
-        ASSERT_EQ(p.live.size(), 1u);
-        EXPECT_EQ(p.live[0].line, 51u);
-    }
-    // A 63-character text with its zero is still read (and then unknown).
-    p = Parse(Cat({{0x01, 0x06, 0x00}, Text(std::string(63, 'a'))}));
-    EXPECT_EQ(p.header, nullptr);
-}
-
-TEST(PushHeader, BodyTooLargeForA32BitCopyIsRefused) {
     // total_len claims 2^32 + 2 bytes: nBodyLen + 1 would wrap to 0 in 32 bits.
     // Only the first five bytes are ever read before the refusal.
     Exact pdu({0x01, 0x06, 0x00, 0xB6, 0x00});
@@ -257,15 +218,13 @@ TEST(PushHeader, BodyTooLargeForA32BitCopyIsRefused) {
     EXPECT_TRUE(check.Live().empty());
 }
 
-struct CorpusExpectation {
-    const char *pattern;
-    uint64_t sec;
-    uint64_t macLen;
-};
-
 TEST(PushHeader, CorpusPdus) {
-    const CorpusExpectation groups[] = {
-        {"*.pdu", 0, 40},  // the sources' own headers: SEC 0x80 or 0x81, 40-character MACs
+    const struct {
+        const char *pattern;
+        uint64_t sec;  // 0: 0x80 or 0x81
+        uint64_t macLen;
+    } groups[] = {
+        {"*.pdu", 0, 40},  // the sources' own headers, with 40-character MACs
         {"pdus/*[!c].pdu", 0x80, 0},
         {"pdus/*.mac.pdu", 0x81, 40},
         {"pdus/own/*[!c].pdu", 0x80, 0},
@@ -273,20 +232,16 @@ TEST(PushHeader, CorpusPdus) {
         {"pdus/negative/*.mac.pdu", 0x81, 40},
     };
     size_t total = 0;
-    for (const CorpusExpectation &group : groups) {
+    for (const auto &group : groups) {
         for (const std::string &path : corpus::List(group.pattern)) {
             SCOPED_TRACE(path);
             Bytes pdu = corpus::Read(path);
             Parsed p = Parse(pdu);
             ASSERT_NE(p.header, nullptr);
             EXPECT_EQ(p.header->nContentType, 0x36u);
-            if (group.sec != 0) {
-                EXPECT_EQ(p.header->nSEC, group.sec);
-            } else {
-                EXPECT_TRUE(p.header->nSEC == 0x80 || p.header->nSEC == 0x81);
-            }
+            if (group.sec != 0) EXPECT_EQ(p.header->nSEC, group.sec);
+            EXPECT_TRUE(p.header->nSEC == 0x80 || p.header->nSEC == 0x81);
             EXPECT_EQ(p.header->nMACLen, group.macLen);
-            EXPECT_EQ(p.header->nBodyLen, pdu.size() - 3 - pdu[2]);
             EXPECT_EQ(Body(p.header), Bytes(pdu.begin() + 3 + pdu[2], pdu.end()));
             // Every body is a WBXML document: version 1.1 to 1.3 first.
             EXPECT_GE(p.header->pBody[0], 0x01);

@@ -8,21 +8,36 @@
 
 namespace {
 
+using Wide = std::vector<TqsWChar>;
+
+// Runs before any other tokenising call of this program: no position is saved yet.
+TEST(TqsString, Strtok) {
+    EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);
+    char text[] = ",,alpha, beta,,gamma,";
+    std::vector<std::string> tokens;
+    for (char *t = tqsStrtok(text, ", "); t != nullptr; t = tqsStrtok(nullptr, ", ")) tokens.emplace_back(t);
+    EXPECT_EQ(tokens, (std::vector<std::string>{"alpha", "beta", "gamma"}));
+    EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);  // stays at the end
+
+    char only[] = ";;;";
+    EXPECT_EQ(tqsStrtok(only, ";"), nullptr);
+    char last[] = "a;b";
+    EXPECT_STREQ(tqsStrtok(last, ";"), "a");
+    EXPECT_STREQ(tqsStrtok(nullptr, "x"), "b");  // the set is rebuilt on every call
+}
+
 TEST(TqsString, CopyAndConcatenate) {
     char dest[12];
     std::memset(dest, 'x', sizeof(dest));
     EXPECT_EQ(tqsStrncpy(dest, "abc", 8), dest);
     EXPECT_EQ(std::string(dest, 9), std::string("abc\0\0\0\0\0x", 9));  // exactly n bytes written
-    std::memset(dest, 'x', sizeof(dest));
-    tqsStrncpy(dest, "abcdef", 3);
-    EXPECT_EQ(std::string(dest, 4), "abcx");  // no zero added
+    tqsStrncpy(dest, "uvwxyz", 2);
+    EXPECT_EQ(std::string(dest, 4), std::string("uvc\0", 4));  // no zero added
 
-    TqsWChar wide[10];
+    Wide wide(10, 0x7777);
     const TqsWChar abc[] = {'a', 'b', 'c', 0};
-    for (TqsWChar &unit : wide) unit = 0x7777;
-    EXPECT_EQ(tqsStrncpyW(wide, abc, 8), wide);
-    EXPECT_EQ(wide[3], 0);
-    EXPECT_EQ(wide[4], 0x7777);  // no zero fill
+    EXPECT_EQ(tqsStrncpyW(wide.data(), abc, 8), wide.data());
+    EXPECT_EQ(Wide(wide.begin() + 2, wide.begin() + 5), (Wide{'c', 0, 0x7777}));  // no zero fill
 
     char text[16] = "ab";
     EXPECT_EQ(tqsStrcat(text, "cd"), text);
@@ -31,28 +46,26 @@ TEST(TqsString, CopyAndConcatenate) {
 
     TqsWChar w[8] = {'x', 0};
     tqsStrcatW(w, abc);
+    EXPECT_EQ(Wide(w, w + 5), (Wide{'x', 'a', 'b', 'c', 0}));
     EXPECT_EQ(tqsStrlenW(w), 4u);
-    EXPECT_EQ(w[3], 'c');
     tqsStrcpyW(w, abc);
     EXPECT_EQ(tqsStrlenUcs(w), 3u);
 }
 
 TEST(TqsString, StrncatStopsAfterTheNthCharacterWithoutZero) {
+    const std::string zero("aXYZ\0", 5);
     struct Case {
         int32_t n;
         std::string first5;
     } cases[] = {
-        {2, "aXYqq"},                    // two characters, no zero
-        {3, "aXYZq"},                    // the n-th is the last: still no zero
-        {4, std::string("aXYZ\0", 5)},   // the zero comes first
-        {0, std::string("aXYZ\0", 5)},   // no limit
-        {-5, std::string("aXYZ\0", 5)},  // no limit
+        {2, "aXYqq"},  // two characters, no zero
+        {3, "aXYZq"},  // the n-th is the last: still no zero
+        {4, zero},     // the zero comes first
+        {0, zero},     // no limit
+        {-5, zero},    // no limit
     };
     for (const Case &c : cases) {
-        char d[8];
-        std::memset(d, 'q', sizeof(d));
-        d[0] = 'a';
-        d[1] = '\0';
+        char d[8] = {'a', '\0', 'q', 'q', 'q', 'q', 'q', 'q'};
         EXPECT_EQ(tqsStrncat(d, "XYZ", c.n), d);
         EXPECT_EQ(std::string(d, 5), c.first5) << "n=" << c.n;
     }
@@ -111,28 +124,17 @@ TEST(TqsString, Compare) {
     EXPECT_EQ(tqsStrcmpW(a, c), 0);
 }
 
-TEST(TqsString, Atol) {
-    struct Case {
+TEST(TqsString, NumbersAndHex) {
+    const struct {
         const char *text;
         int64_t value;
-    } cases[] = {
-        {" -12x", -12},
-        {"x12", 0},
-        {"--7", 7},
-        {"+42", 42},
-        {"4 2", 4},
-        {"\t\n 9", 9},
-        {"", 0},
-        {"-", 0},
-        {"123456789012", 123456789012},
-        {"-+-+5", 5},
-        {"9223372036854775808", INT64_MIN},
-    };
-    for (const Case &c : cases) EXPECT_EQ(tqsStrAtol(c.text), c.value) << c.text;
+    } cases[] = {{" -12x", -12}, {"x12", 0}, {"--7", 7}, {"+42", 42}, {"4 2", 4},
+                 {"\t\n 9", 9},  {"", 0},    {"-", 0},   {"-+-+5", 5}};
+    for (const auto &c : cases) EXPECT_EQ(tqsStrAtol(c.text), c.value) << c.text;
+    EXPECT_EQ(tqsStrAtol("123456789012"), 123456789012);
+    EXPECT_EQ(tqsStrAtol("9223372036854775808"), INT64_MIN);
     EXPECT_EQ(tqsStrAtoi("4294967297"), 1);  // narrowed to 32 bits
-}
 
-TEST(TqsString, LtoaAndHex) {
     char buffer[80];
     EXPECT_STREQ(tqsStrLtoa(-255, buffer, 16), "-ff");
     EXPECT_STREQ(tqsStrItoa(0, buffer, 10), "0");
@@ -152,45 +154,19 @@ TEST(TqsString, LtoaAndHex) {
     std::string hex;
     for (uint32_t v : {0u, 9u, 10u, 15u, 16u, 255u}) hex += tqsStrToHexChar(v);
     EXPECT_EQ(hex, "09AF??");
-    EXPECT_EQ(tqsCharToHex('7'), 7u);
-    EXPECT_EQ(tqsCharToHex('b'), 11u);
-    EXPECT_EQ(tqsCharToHex('F'), 15u);
-    EXPECT_EQ(tqsCharToHex('g'), 0u);
-    EXPECT_EQ(tqsCharToHex('\xB0'), 0u);
+    std::vector<uint32_t> values;
+    for (char c : std::string("7bFg\xB0")) values.push_back(tqsCharToHex(c));
+    EXPECT_EQ(values, (std::vector<uint32_t>{7, 11, 15, 0, 0}));
 }
 
 TEST(TqsString, Ucs2Conversion) {
-    TqsWChar wide[6];
-    for (TqsWChar &unit : wide) unit = 0x7777;
-    EXPECT_EQ(tqsStrAsciiToUcs2(wide, "a\0\xE9", 3), 1u);  // zeros included, no stop
-    EXPECT_EQ(wide[0], 'a');
-    EXPECT_EQ(wide[1], 0);
-    EXPECT_EQ(wide[2], 0xE9);  // not sign-extended
-    EXPECT_EQ(wide[3], 0);
-    EXPECT_EQ(wide[4], 0x7777);
+    Wide wide(6, 0x7777);
+    EXPECT_EQ(tqsStrAsciiToUcs2(wide.data(), "a\0\xE9", 3), 1u);  // zeros included, no stop
+    EXPECT_EQ(wide, (Wide{'a', 0, 0xE9, 0, 0x7777, 0x7777}));     // 0xE9 not sign-extended
     const TqsWChar src[] = {0x4E41, 'b', 0};
     char narrow[4] = "xxx";
     EXPECT_EQ(tqsStrUcsToAscii(narrow, src, 2), 1u);
     EXPECT_EQ(std::string(narrow, 3), std::string("Ab\0", 3));
-}
-
-// Runs before any other tokenising call of this program: no position is saved yet.
-TEST(TqsString, StrtokWithoutSavedPositionGivesNull) {
-    EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);
-}
-
-TEST(TqsString, Strtok) {
-    char text[] = ",,alpha, beta,,gamma,";
-    std::vector<std::string> tokens;
-    for (char *t = tqsStrtok(text, ", "); t != nullptr; t = tqsStrtok(nullptr, ", ")) tokens.emplace_back(t);
-    EXPECT_EQ(tokens, (std::vector<std::string>{"alpha", "beta", "gamma"}));
-    EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);  // stays at the end
-
-    char only[] = ";;;";
-    EXPECT_EQ(tqsStrtok(only, ";"), nullptr);
-    char last[] = "a;b";
-    EXPECT_STREQ(tqsStrtok(last, ";"), "a");
-    EXPECT_STREQ(tqsStrtok(nullptr, "x"), "b");  // the set is rebuilt on every call
 }
 
 TEST(TqsString, Strsplit) {
@@ -206,36 +182,29 @@ TEST(TqsString, Strsplit) {
     EXPECT_EQ(tqsStrsplit(nullptr, ':', out), nullptr);
 }
 
-TEST(TqsString, Classification) {
-    std::string spaces, ascii, cntrl;
+TEST(TqsString, ClassificationAndDump) {
+    std::string spaces, ascii, cntrl, printable, control;
     for (int c = 0; c < 256; ++c) {
         if (tqsStrIsSpace(c)) spaces += static_cast<char>(c);
         if (tqsStrIsAscii(c)) ascii += static_cast<char>(c);
         if (tqsStrIsCntrl(c)) cntrl += static_cast<char>(c);
+        if (c >= ' ' && c <= '~') printable += static_cast<char>(c);
+        if (c < ' ' || c == 0x7F) control += static_cast<char>(c);
     }
     EXPECT_EQ(spaces, std::string("\t\n\v\f\r "));
-    EXPECT_EQ(ascii.size(), 95u);
-    EXPECT_EQ(ascii.front(), ' ');
-    EXPECT_EQ(ascii.back(), '~');
-    EXPECT_EQ(cntrl.size(), 33u);
-    EXPECT_EQ(cntrl.back(), '\x7F');
+    EXPECT_EQ(ascii, printable);
+    EXPECT_EQ(cntrl, control);
     EXPECT_FALSE(tqsStrIsAscii('\xE9'));  // negative char on x86-64: still not ASCII
     EXPECT_FALSE(tqsStrIsCntrl('\x85'));
     EXPECT_STREQ(tqsStrWhiteSpaceSkip(" \t \nx"), "\nx");
-}
 
-TEST(TqsString, BinaryDump) {
     char dest[256];
     const unsigned char three[] = {0x41, 0x00, 0x7F};
     EXPECT_EQ(tqsStrBinaryDump(dest, three, 3), dest);
     EXPECT_STREQ(dest, "41 00 7F A..");
-
-    unsigned char seventeen[17];
-    for (int i = 0; i < 17; ++i) seventeen[i] = static_cast<unsigned char>('a' + i);
+    const unsigned char seventeen[] = "abcdefghijklmnopq";
     tqsStrBinaryDump(dest, seventeen, 17);
-    EXPECT_STREQ(dest,
-                 "61 62 63 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    abcdefghijklmnop\r\n"
-                 "71 q");
+    EXPECT_STREQ(dest, "61 62 63 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    abcdefghijklmnop\r\n71 q");
     tqsStrBinaryDump(dest, seventeen, 0);
     EXPECT_STREQ(dest, "");
 }

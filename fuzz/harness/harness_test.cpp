@@ -29,20 +29,19 @@ class LeakAccounting : public ::testing::Test {
     static constexpr fuzz::Site kAllSites[] = {{kHere, 1}, {kHere, 2}, {kHere, 3}};
 };
 
-char *NewText(const char *text, uint32_t line) {
-    return tqsStrdup_debug(text, kHere, line);
+char *NewText(const char *text) {
+    return tqsStrdup_debug(text, kHere, 1);
 }
 
 TEST_F(LeakAccounting, KeptBlocksAndAllowedSitesPass) {
     void *kept = tqsMemAllocSetZero_debug(8, kHere, 7);
-    void *atSite = tqsMemAlloc_debug(4, kHere, 2);
+    tqsMemAlloc_debug(4, kHere, 2);
     void *freed = tqsMemAllocSetZero_debug(16, kHere, 9);
     tqsMemFree_debug(freed);
     fuzz::Kept(kept);
     const fuzz::Site sites[] = {{kHere, 2}};
     fuzz::CheckAndReleaseKept(sites);
     EXPECT_EQ(fuzz::LastKeptCount(), 2u);
-    (void)atSite;
 }
 
 TEST_F(LeakAccounting, StrayBlockAborts) {
@@ -75,8 +74,8 @@ TEST_F(LeakAccounting, BlocksBeyondTheTrackerTableAreStillAccounted) {
 }
 
 template <typename T>
-T *NewRecord(uint32_t line = 1) {
-    return static_cast<T *>(tqsMemAllocSetZero_debug(sizeof(T) + 1, kHere, line));
+T *NewRecord() {
+    return static_cast<T *>(tqsMemAllocSetZero_debug(sizeof(T) + 1, kHere, 1));
 }
 
 TqsList *ListOf(std::initializer_list<void *> items) {
@@ -91,29 +90,29 @@ TEST_F(LeakAccounting, TreeReleaseKeepsExactlyTheNotedFields) {
     // INIT; a VENDORCONFIG with a parm. Everything not listed as kept is
     // released by the library, and the check must accept what remains.
     auto *roaming = NewRecord<tqsWapRoaming>();
-    roaming->pszSyncAllowed = NewText("1", 1);
+    roaming->pszSyncAllowed = NewText("1");
     auto *roamingChar = NewRecord<tqsWapCharacter>();
     roamingChar->ptRoaming = roaming;
 
     auto *app = NewRecord<tqsWapApplication>();
-    app->pszFrom = NewText("me", 1);
-    app->pszXcapAuidPms = NewText("pms", 1);
-    app->pszName = NewText("name", 1);
-    app->ptAddrList = ListOf({NewText("a", 1)});
+    app->pszFrom = NewText("me");
+    app->pszXcapAuidPms = NewText("pms");
+    app->pszName = NewText("name");
+    app->ptAddrList = ListOf({NewText("a")});
     app->ptCharacterList = ListOf({roamingChar});
     auto *appChar = NewRecord<tqsWapCharacter>();
     appChar->ptApplication = app;
 
     auto *nap = NewRecord<tqsWapNapDef>();
-    nap->pszInit = NewText("empty", 1);
-    nap->pszNapId = NewText("NAP1", 1);
+    nap->pszInit = NewText("empty");
+    nap->pszNapId = NewText("NAP1");
     auto *napChar = NewRecord<tqsWapCharacter>();
     napChar->ptNapDef = nap;
 
     auto *vendor = NewRecord<tqsWapVendorConfig>();
-    vendor->pszParmName = NewText("P", 1);
-    vendor->pszParmValue = NewText("V", 1);
-    vendor->pszName = NewText("N", 1);
+    vendor->pszParmName = NewText("P");
+    vendor->pszParmValue = NewText("V");
+    vendor->pszName = NewText("N");
     auto *vendorChar = NewRecord<tqsWapCharacter>();
     vendorChar->ptVendorConfig = vendor;
 
