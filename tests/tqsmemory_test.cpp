@@ -15,16 +15,6 @@ const char kFile[] = "jni/src/ClientProv/test";
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStdout;
 
-TEST(TqsMemory, TrackingOffRecordsNothingAndPrintsNothing) {
-    ASSERT_EQ(bMemCheck, 0);
-    CaptureStdout();
-    tqsMemFree_debug(tqsMemAllocSetZero_debug(16, kFile, 1));
-    tqsMemFree_debug(nullptr);
-    tqsMemEndMemCheck();  // not on: no report
-    EXPECT_EQ(GetCapturedStdout(), "");
-    EXPECT_EQ(ptMemCheckTable, nullptr);
-}
-
 // Blocks come back from malloc's cache dirty: the zero fill must be done here.
 TEST(TqsMemory, SetZeroClearsReusedBlocks) {
     for (uint32_t size : {1u, 24u, 57u, 200u, 1531u}) {
@@ -40,22 +30,31 @@ TEST(TqsMemory, SetZeroClearsReusedBlocks) {
     }
 }
 
+// The tracked blocks as "line:size ..." in table order.
+std::string Table(const MemCheck &check) {
+    std::string table;
+    for (const LiveBlock &b : check.Live())
+        table += std::to_string(b.line) + ":" + std::to_string(b.size) + " ";
+    return table;
+}
+
 TEST(TqsMemory, SizesEnteredInTheTable) {
     MemCheck check;
-    void *plain = tqsMemAlloc_debug(7, kFile, 10);
+    tqsMemAlloc_debug(7, kFile, 10);
     char *text = tqsStrdup_debug("abc", kFile, 11);
     TqsWChar *wide = tqsMemAllocW_debug(10, kFile, 12);
     void *dup = tqsMemDup_debug("xyzw", 4, kFile, 13);
-    std::vector<uint32_t> sizes;
-    for (const LiveBlock &block : check.Live()) sizes.push_back(block.size);
-    EXPECT_EQ(sizes, (std::vector<uint32_t>{7, 3, 10, 4}));  // text without its zero, wide in units
-    EXPECT_EQ(check.CountAt(kFile, 11), 1u);
+    // Null sources copy nothing: an empty text, an unfilled block.
+    char *empty = tqsStrdup_debug(nullptr, kFile, 14);
+    EXPECT_NE(tqsMemDup_debug(nullptr, 4, kFile, 15), nullptr);
+    // The text without its zero, wide blocks in units.
+    EXPECT_EQ(Table(check), "10:7 11:3 12:10 13:4 14:0 15:4 ");
+    EXPECT_EQ(check.Live()[1].file, kFile);
     EXPECT_STREQ(text, "abc");
     EXPECT_EQ(tqsMemCmp(dup, "xyzw", 4), 0);
+    EXPECT_STREQ(empty, "");
     wide[9] = 0xFFFF;  // 20 bytes really allocated (ASan checks)
-    for (void *block : {plain, static_cast<void *>(text), static_cast<void *>(wide), dup}) {
-        tqsMemFree_debug(block);
-    }
+    check.FreeAll();
     EXPECT_TRUE(check.Live().empty());
 }
 
@@ -74,8 +73,12 @@ TEST(TqsMemory, EndMemCheckReportsLiveBlocksInTableOrder) {
               "[syncml] MEMCHECK Filename:jni/src/ClientProv/smlbuffer Line:130 Size:9 \n");
     EXPECT_EQ(bMemCheck, 0);
     EXPECT_EQ(ptMemCheckTable, nullptr);
+    // Tracking off again: nothing recorded or printed, no second report.
     CaptureStdout();
-    for (void *block : {a, b, c}) tqsMemFree_debug(block);  // tracking off again: silent
+    for (void *block : {a, b, c, tqsMemAllocSetZero_debug(16, kFile, 1), static_cast<void *>(nullptr)}) {
+        tqsMemFree_debug(block);
+    }
+    tqsMemEndMemCheck();
     EXPECT_EQ(GetCapturedStdout(), "");
 }
 
@@ -113,35 +116,20 @@ TEST(TqsMemory, TrackingWithoutATableLeavesBlocksUntracked) {
 
 TEST(TqsMemory, ReAlloc) {
     MemCheck check;
-    auto *old =
-        static_cast<unsigned char *>(tqsMemDup_debug("\x01\x02\x03\x04\x05\x06\x07\x08", 8, kFile, 1));
+    void *old = tqsMemDup_debug("\1\2\3\4\5\6\7\10", 8, kFile, 1);
     // Size 0 or null old: null, old untouched and still tracked.
     EXPECT_EQ(tqsMemReAlloc_debug(old, 0, kFile, 2), nullptr);
     EXPECT_EQ(tqsMemReAlloc_debug(nullptr, 8, kFile, 2), nullptr);
-    EXPECT_EQ(check.CountAt(kFile, 1), 1u);
-    // Shrinking copies exactly size bytes and frees old.
-    auto *smaller = static_cast<unsigned char *>(tqsMemReAlloc_debug(old, 4, kFile, 3));
-    ASSERT_NE(smaller, nullptr);
-    EXPECT_EQ(std::vector<unsigned char>(smaller, smaller + 4), (std::vector<unsigned char>{1, 2, 3, 4}));
-    std::vector<LiveBlock> live = check.Live();
-    ASSERT_EQ(live.size(), 1u);
-    EXPECT_EQ(live[0].line, 3u);
-    EXPECT_EQ(live[0].size, 4u);
-    // Growing reads only what the old block holds; the rest comes zeroed.
+    EXPECT_EQ(Table(check), "1:8 ");
+    // Shrinking copies size bytes and frees old; growing reads only what the
+    // old block holds (ASan checks), the end comes zeroed.
+    void *smaller = tqsMemReAlloc_debug(old, 4, kFile, 3);
+    EXPECT_EQ(Table(check), "3:4 ");
     auto *larger = static_cast<unsigned char *>(tqsMemReAlloc_debug(smaller, 64, kFile, 4));
     ASSERT_NE(larger, nullptr);
-    EXPECT_EQ(larger[3], 4);
+    EXPECT_EQ(std::vector<unsigned char>(larger, larger + 4), (std::vector<unsigned char>{1, 2, 3, 4}));
     EXPECT_EQ(larger[63], 0);
     tqsMemFree_debug(larger);
-}
-
-TEST(TqsMemory, NullSourcesCopyNothing) {
-    char *empty = tqsStrdup_debug(nullptr, kFile, 1);
-    EXPECT_STREQ(empty, "");
-    void *dup = tqsMemDup_debug(nullptr, 4, kFile, 2);
-    EXPECT_NE(dup, nullptr);
-    tqsMemFree_debug(empty);
-    tqsMemFree_debug(dup);
 }
 
 TEST(TqsMemory, Primitives) {

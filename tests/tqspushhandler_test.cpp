@@ -26,9 +26,7 @@ Bytes Cat(std::initializer_list<Bytes> parts) {
 
 // Text with its zero.
 Bytes Text(const std::string &s) {
-    Bytes b(s.begin(), s.end());
-    b.push_back(0);
-    return b;
+    return Bytes(s.c_str(), s.c_str() + s.size() + 1);
 }
 
 // A push PDU whose header length byte covers `header` exactly.
@@ -36,27 +34,31 @@ Bytes Push(const Bytes &header, const Bytes &body) {
     return Cat({{0x01, 0x06, static_cast<unsigned char>(header.size())}, header, body});
 }
 
-// The PDU copied into a block of exactly its size, so that ASan sees any read past it.
-struct Exact {
-    explicit Exact(const Bytes &pdu)
-        : bytes(new unsigned char[pdu.empty() ? 1 : pdu.size()]), size(pdu.size()) {
-        std::copy(pdu.begin(), pdu.end(), bytes.get());
+// A copy in a block of exactly the PDU's size, so that ASan sees any read past it.
+std::unique_ptr<unsigned char[]> Exact(const Bytes &pdu) {
+    std::unique_ptr<unsigned char[]> copy(new unsigned char[pdu.size()]);
+    std::copy(pdu.begin(), pdu.end(), copy.get());
+    return copy;
+}
+
+struct FreeHeader {
+    void operator()(SmlPushHeader *h) const {
+        tqsMemFree_debug(h->pBody);
+        tqsMemFree_debug(h);
     }
-    std::unique_ptr<unsigned char[]> bytes;
-    size_t size;
 };
 
 struct Parsed {
-    SmlPushHeader *header = nullptr;
+    std::unique_ptr<SmlPushHeader, FreeHeader> header;
     Strings live;  // blocks of the unit right after the call, as "line:size"
 };
 
 // Parses under the leak tracker; frees whatever the call left behind.
 Parsed Parse(const Bytes &pdu) {
-    Exact exact(pdu);
+    std::unique_ptr<unsigned char[]> exact = Exact(pdu);
     MemCheck check;
     Parsed result;
-    result.header = smlpushHdlrParsingWSPHeader(exact.bytes.get(), exact.size);
+    result.header.reset(smlpushHdlrParsingWSPHeader(exact.get(), pdu.size()));
     for (const LiveBlock &block : check.Live()) {
         EXPECT_EQ(block.file, kUnit);
         result.live.push_back(std::to_string(block.line) + ":" + std::to_string(block.size));
@@ -65,14 +67,8 @@ Parsed Parse(const Bytes &pdu) {
     return result;
 }
 
-void Free(SmlPushHeader *header) {
-    if (header == nullptr) return;
-    tqsMemFree_debug(header->pBody);
-    tqsMemFree_debug(header);
-}
-
-Bytes Body(const SmlPushHeader *h) {
-    return Bytes(h->pBody, h->pBody + h->nBodyLen);
+Bytes Body(const Parsed &p) {
+    return Bytes(p.header->pBody, p.header->pBody + p.header->nBodyLen);
 }
 
 const std::string kRecordBlock = "51:" + std::to_string(sizeof(SmlPushHeader) + 1);
@@ -86,10 +82,9 @@ TEST(PushHeader, MinimalPdu) {
     EXPECT_EQ(p.header->nSEC, 0x80u);
     EXPECT_EQ(p.header->nMACLen, 0u);
     EXPECT_STREQ(p.header->szMAC, "");
-    EXPECT_EQ(Body(p.header), body);
+    EXPECT_EQ(Body(p), body);
     EXPECT_EQ(p.header->pBody[body.size()], 0);  // one zero byte behind the copy
     EXPECT_EQ(p.live, (Strings{kRecordBlock, "167:6"}));
-    Free(p.header);
 }
 
 TEST(PushHeader, ContentTypeForms) {
@@ -128,9 +123,8 @@ TEST(PushHeader, ContentTypeForms) {
         } else {
             ASSERT_NE(p.header, nullptr) << c.name;
             EXPECT_EQ(p.header->nContentType, c.type) << c.name;
-            EXPECT_EQ(Body(p.header), (Bytes{0xAA, 0xBB})) << c.name;
+            EXPECT_EQ(Body(p), (Bytes{0xAA, 0xBB})) << c.name;
         }
-        Free(p.header);
     }
     // No content type byte at all, and a text that the PDU's end cuts before its zero.
     for (const Bytes &pdu :
@@ -143,52 +137,43 @@ TEST(PushHeader, ContentTypeForms) {
 
 TEST(PushHeader, SecMacAndBody) {
     const Bytes mac6 = Text("ABCDEF");
+    const std::string mac47 = std::string(46, 'M') + "z";
     struct Case {
         const char *name;
-        Bytes pdu;
+        Bytes header, body;
         uint64_t sec;
         std::string mac;
-        Bytes body;
     } cases[] = {
-        {"token SEC", Push({0xB6, 0x91, 0x81}, {0x03, 0x0B}), 0x81, "", {0x03, 0x0B}},
-        {"text SEC any case", Push(Cat({{0xB6}, Text("sEc"), {0x80}}), {0x03}), 0x80, "", {0x03}},
-        {"token MAC", Push(Cat({{0xB6, 0x92}, mac6}), {0x03}), 0, "ABCDEF", {0x03}},
-        {"text MAC lower case", Push(Cat({{0xB6}, Text("mac"), mac6}), {0x03}), 0, "ABCDEF", {0x03}},
-        {"SEC then MAC", Push(Cat({{0xB6, 0x91, 0x81, 0x92}, mac6}), {0x03}), 0x81, "ABCDEF", {0x03}},
-        {"MAC then SEC: SEC not seen", Push(Cat({{0xB6, 0x92}, mac6, {0x91, 0x81}}), {}), 0, "ABCDEF", {}},
-        {"other header hides both", Push(Cat({{0xB6, 0x81, 0xEA, 0x91, 0x81, 0x92}, mac6}), {}), 0, "", {}},
-        {"empty MAC", Push({0xB6, 0x92, 0x00}, {0x03}), 0, "", {0x03}},
+        {"token SEC", {0xB6, 0x91, 0x81}, {0x03, 0x0B}, 0x81, ""},
+        {"text SEC any case", Cat({{0xB6}, Text("sEc"), {0x80}}), {0x03}, 0x80, ""},
+        {"token MAC", Cat({{0xB6, 0x92}, mac6}), {0x03}, 0, "ABCDEF"},
+        {"text MAC lower case", Cat({{0xB6}, Text("mac"), mac6}), {0x03}, 0, "ABCDEF"},
+        {"SEC then MAC", Cat({{0xB6, 0x91, 0x81, 0x92}, mac6}), {0x03}, 0x81, "ABCDEF"},
+        {"MAC then SEC: SEC not seen", Cat({{0xB6, 0x92}, mac6, {0x91, 0x81}}), {0x03}, 0, "ABCDEF"},
+        {"other header hides both", Cat({{0xB6, 0x81, 0xEA, 0x91, 0x81, 0x92}, mac6}), {0x03}, 0, ""},
+        {"empty MAC", {0xB6, 0x92, 0x00}, {0x03}, 0, ""},
         {"MAC cut to 47 characters",
-         Push(Cat({{0xB6, 0x92}, Text(std::string(46, 'M') + "z" + std::string(13, 'M'))}), {0x03}),
+         Cat({{0xB6, 0x92}, Text(mac47 + std::string(13, 'M'))}),
+         {0x03},
          0,
-         std::string(46, 'M') + "z",
-         {0x03}},
+         mac47},
         // The body starts after the header length byte's block, whatever the parameters read.
-        {"unknown bytes in the header",
-         Push({0xB6, 0x91, 0x80, 0xEE, 0xEE}, {0x03, 0x01}),
-         0x80,
-         "",
-         {0x03, 0x01}},
-        {"header length shorter than the parameters",
-         {0x01, 0x06, 0x01, 0xB6, 0x91, 0x80},
-         0x80,
-         "",
-         {0x91, 0x80}},
+        {"unknown bytes in the header", {0xB6, 0x91, 0x80, 0xEE, 0xEE}, {0x03, 0x01}, 0x80, ""},
+        {"header length shorter than the parameters", {0xB6}, {0x91, 0x80}, 0x80, ""},
         // Parameters cut by the PDU's end are absent.
-        {"SEC value beyond the PDU", Push({0xB6, 0x91}, {}), 0, "", {}},
-        {"SEC text cut", Push({0xB6, 'S', 'E', 'C'}, {}), 0, "", {}},
-        {"SEC text with zero, value beyond", Push(Cat({{0xB6}, Text("SEC")}), {}), 0, "", {}},
-        {"MAC token at the end", Push({0xB6, 0x91, 0x81, 0x92}, {}), 0x81, "", {}},
-        {"MAC unterminated", Push({0xB6, 0x92, 'A', 'B', 'C'}, {}), 0, "ABC", {}},
+        {"SEC value beyond the PDU", {0xB6, 0x91}, {}, 0, ""},
+        {"SEC text cut", {0xB6, 'S', 'E', 'C'}, {}, 0, ""},
+        {"SEC text with zero, value beyond", Cat({{0xB6}, Text("SEC")}), {}, 0, ""},
+        {"MAC token at the end", {0xB6, 0x91, 0x81, 0x92}, {}, 0x81, ""},
+        {"MAC unterminated", {0xB6, 0x92, 'A', 'B', 'C'}, {}, 0, "ABC"},
     };
     for (const Case &c : cases) {
-        Parsed p = Parse(c.pdu);
+        Parsed p = Parse(Push(c.header, c.body));
         ASSERT_NE(p.header, nullptr) << c.name;
         EXPECT_EQ(p.header->nSEC, c.sec) << c.name;
         EXPECT_EQ(std::string(p.header->szMAC), c.mac) << c.name;
         EXPECT_EQ(p.header->nMACLen, c.mac.size()) << c.name;
-        EXPECT_EQ(Body(p.header), c.body) << c.name;
-        Free(p.header);
+        EXPECT_EQ(Body(p), c.body) << c.name;
     }
 }
 
@@ -212,9 +197,9 @@ TEST(PushHeader, RefusedBeforeAnythingIsAllocated) {
 
     // total_len claims 2^32 + 2 bytes: nBodyLen + 1 would wrap to 0 in 32 bits.
     // Only the first five bytes are ever read before the refusal.
-    Exact pdu({0x01, 0x06, 0x00, 0xB6, 0x00});
+    std::unique_ptr<unsigned char[]> pdu = Exact({0x01, 0x06, 0x00, 0xB6, 0x00});
     MemCheck check;
-    EXPECT_EQ(smlpushHdlrParsingWSPHeader(pdu.bytes.get(), (uint64_t{1} << 32) + 2), nullptr);
+    EXPECT_EQ(smlpushHdlrParsingWSPHeader(pdu.get(), (uint64_t{1} << 32) + 2), nullptr);
     EXPECT_TRUE(check.Live().empty());
 }
 
@@ -242,11 +227,10 @@ TEST(PushHeader, CorpusPdus) {
             if (group.sec != 0) EXPECT_EQ(p.header->nSEC, group.sec);
             EXPECT_TRUE(p.header->nSEC == 0x80 || p.header->nSEC == 0x81);
             EXPECT_EQ(p.header->nMACLen, group.macLen);
-            EXPECT_EQ(Body(p.header), Bytes(pdu.begin() + 3 + pdu[2], pdu.end()));
+            EXPECT_EQ(Body(p), Bytes(pdu.begin() + 3 + pdu[2], pdu.end()));
             // Every body is a WBXML document: version 1.1 to 1.3 first.
             EXPECT_GE(p.header->pBody[0], 0x01);
             EXPECT_LE(p.header->pBody[0], 0x03);
-            Free(p.header);
             ++total;
         }
     }
@@ -269,7 +253,6 @@ TEST(PushHeader, EveryPrefixOfEveryCorpusPduIsSafe) {
                 ASSERT_NE(p.header, nullptr) << n;
                 EXPECT_EQ(p.header->nBodyLen, n - headerEnd);
                 EXPECT_EQ(p.header->nMACLen, 40u);
-                Free(p.header);
             }
         }
     }

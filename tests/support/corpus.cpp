@@ -68,13 +68,4 @@ std::vector<std::string> List(const std::string &pattern) {
     return paths;
 }
 
-std::string Stem(const std::string &path, const std::string &extension) {
-    std::string name = path.substr(path.find_last_of('/') + 1);
-    if (name.size() >= extension.size() &&
-        name.compare(name.size() - extension.size(), extension.size(), extension) == 0) {
-        name.resize(name.size() - extension.size());
-    }
-    return name;
-}
-
 }  // namespace corpus

@@ -18,8 +18,6 @@ std::string Path(const std::string &path);
 std::vector<unsigned char> Read(const std::string &path);
 // Absolute paths matching the pattern, sorted; empty when none match.
 std::vector<std::string> List(const std::string &pattern);
-// File name without folder and without the given extension (e.g. ".pdu"), for test names.
-std::string Stem(const std::string &path, const std::string &extension);
 
 }  // namespace corpus
 
