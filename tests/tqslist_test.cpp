@@ -27,7 +27,7 @@ char Name(const void *item) {
 // Runs list operations, each expected to succeed, and returns the items that
 // the reading and taking ones handed out. c: cursor to the head, n: next item,
 // N: take the cursor's node, F: take the head, f: delete the head, a: delete
-// all, dK: delete item K, iK: take index K, +K: append item K.
+// all, dK: delete item K, iK: take index K, +K: append item K, <K: prepend it.
 std::string Ops(TqsList *list, const std::string &script) {
     std::string out;
     for (size_t i = 0; i < script.size(); ++i) {
@@ -44,9 +44,10 @@ std::string Ops(TqsList *list, const std::string &script) {
         if (op == 'd') result = tqsListDeleteNodeFindItem(list, Item(k), kKeep);
         if (op == 'i') result = tqsListGetItemIndexAndDeleteNode(list, &item, k);
         if (op == '+') result = tqsListAddNodeLast(list, Item(k));
+        if (op == '<') result = tqsListAddNodeFirst(list, Item(k));
         EXPECT_EQ(result, TQS_OK) << script << " at " << i;
         if (std::strchr("nNFi", op) != nullptr) out += Name(item);
-        if (std::strchr("di+", op) != nullptr) ++i;
+        if (std::strchr("di+<", op) != nullptr) ++i;
     }
     return out;
 }
@@ -77,8 +78,8 @@ TEST(TqsList, AllocationLinesSizesAndOrder) {
     for (const LiveBlock &block : check.Live()) {
         EXPECT_EQ(block.size, block.line == 38 ? sizeof(TqsList) + 1 : sizeof(TqsListNode) + 1);
     }
-    tqsListAddNodeLast(list, Item(3));
-    tqsListAddNodeFirst(list, Item(4));
+    EXPECT_EQ(Walk(list), "201");
+    Ops(list, "+3<4");
     EXPECT_EQ(Walk(list), "42013");
     EXPECT_EQ(tqsListGetCount(list), 5u);
     void *item = nullptr;
@@ -90,8 +91,7 @@ TEST(TqsList, AllocationLinesSizesAndOrder) {
     // An empty list filled from the front, then from the back.
     list = ListOf("");
     EXPECT_EQ(tqsListGetCount(list), 0u);
-    ASSERT_EQ(tqsListAddNodeFirst(list, Item(5)), TQS_OK);
-    ASSERT_EQ(tqsListAddNodeLast(list, Item(7)), TQS_OK);
+    Ops(list, "<5+7");
     EXPECT_EQ(Walk(list), "57");
     EXPECT_EQ(tqsListGetCount(list), 2u);
     tqsListDeleteNodeAllAndList(list, kKeep);

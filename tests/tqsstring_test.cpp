@@ -11,7 +11,7 @@ namespace {
 using Wide = std::vector<TqsWChar>;
 
 // Runs before any other tokenising call of this program: no position is saved yet.
-TEST(TqsString, Strtok) {
+TEST(TqsString, StrtokAndStrsplit) {
     EXPECT_EQ(tqsStrtok(nullptr, ","), nullptr);
     char text[] = ",,alpha, beta,,gamma,";
     std::vector<std::string> tokens;
@@ -24,6 +24,15 @@ TEST(TqsString, Strtok) {
     char last[] = "a;b";
     EXPECT_STREQ(tqsStrtok(last, ";"), "a");
     EXPECT_STREQ(tqsStrtok(nullptr, "x"), "b");  // the set is rebuilt on every call
+
+    char out[16];
+    const char *s = "ab:cd";
+    EXPECT_EQ(tqsStrsplit(s, ':', out), s + 3);
+    EXPECT_STREQ(out, "ab");
+    EXPECT_EQ(tqsStrsplit(s + 3, ':', out), s + 5);  // the zero: non-null, empty
+    EXPECT_STREQ(out, "cd");
+    EXPECT_EQ(tqsStrsplit(s + 5, ':', out), nullptr);
+    EXPECT_EQ(tqsStrsplit(nullptr, ':', out), nullptr);
 }
 
 TEST(TqsString, CopyAndConcatenate) {
@@ -167,19 +176,6 @@ TEST(TqsString, Ucs2Conversion) {
     char narrow[4] = "xxx";
     EXPECT_EQ(tqsStrUcsToAscii(narrow, src, 2), 1u);
     EXPECT_EQ(std::string(narrow, 3), std::string("Ab\0", 3));
-}
-
-TEST(TqsString, Strsplit) {
-    char out[16];
-    const char *s = "ab:cd";
-    const char *rest = tqsStrsplit(s, ':', out);
-    EXPECT_STREQ(out, "ab");
-    EXPECT_EQ(rest, s + 3);
-    rest = tqsStrsplit(rest, ':', out);
-    EXPECT_STREQ(out, "cd");
-    EXPECT_EQ(rest, s + 5);  // the zero: non-null, empty
-    EXPECT_EQ(tqsStrsplit(rest, ':', out), nullptr);
-    EXPECT_EQ(tqsStrsplit(nullptr, ':', out), nullptr);
 }
 
 TEST(TqsString, ClassificationAndDump) {

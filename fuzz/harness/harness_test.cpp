@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <cstring>
 #include <vector>
 
 #include "kept_blocks.h"
@@ -36,8 +35,7 @@ char *NewText(const char *text) {
 TEST_F(LeakAccounting, KeptBlocksAndAllowedSitesPass) {
     void *kept = tqsMemAllocSetZero_debug(8, kHere, 7);
     tqsMemAlloc_debug(4, kHere, 2);
-    void *freed = tqsMemAllocSetZero_debug(16, kHere, 9);
-    tqsMemFree_debug(freed);
+    tqsMemFree_debug(tqsMemAllocSetZero_debug(16, kHere, 9));
     fuzz::Kept(kept);
     const fuzz::Site sites[] = {{kHere, 2}};
     fuzz::CheckAndReleaseKept(sites);
