@@ -154,6 +154,7 @@ TEST(TqsList, ReleaseRule) {
     EXPECT_EQ(tqsListGetItemFirst(list, &item), TQS_OK);
     EXPECT_EQ(item, nullptr);
     // A routine is called per item; null frees them.
+    g_released.clear();
     tqsListAddNodeLast(list, a);
     tqsListAddNodeLast(list, b);
     EXPECT_EQ(tqsListDeleteNodeFirst(list, Record), TQS_OK);
