@@ -25,19 +25,20 @@ TEST(WbxmlBuilder, MbUint32Encoding) {
     }
 }
 
-TEST(WbxmlBuilder, HeaderWithPublicIdAndEmptyTable) {
+TEST(WbxmlBuilder, HeaderAndStringTable) {
+    EXPECT_EQ(wbxml::Builder().Doc().End().Build(), (Bytes{0x03, 0x0B, 0x6A, 0x00, 0x45, 0x01}));
+    // A literal public id goes first in the table.
+    Bytes literal{0x03, 0x00, 0x00, 0x6A, 30};
+    for (char c : std::string("-//WAPFORUM//DTD PROV 1.0//EN")) literal.push_back(static_cast<uint8_t>(c));
+    literal.insert(literal.end(), {0x00, 0x45, 0x01});
+    EXPECT_EQ(wbxml::Builder().LiteralPublicId().Doc().End().Build(), literal);
+    // Table mode reuses strings.
     wbxml::Builder b;
-    b.Doc().End();
-    EXPECT_EQ(b.Build(), (Bytes{0x03, 0x0B, 0x6A, 0x00, 0x45, 0x01}));
-}
-
-TEST(WbxmlBuilder, LiteralPublicIdGoesFirstInTheTable) {
-    wbxml::Builder b;
-    b.LiteralPublicId().Doc().End();
-    Bytes expect{0x03, 0x00, 0x00, 0x6A, 30};
-    for (char c : std::string("-//WAPFORUM//DTD PROV 1.0//EN")) expect.push_back(static_cast<uint8_t>(c));
-    expect.insert(expect.end(), {0x00, 0x45, 0x01});
-    EXPECT_EQ(b.Build(), expect);
+    b.UseStringTable().Parm(wbxml::prov::kNapId, "ab").Parm(wbxml::prov::kName, "ab").NamedParm("X", "cd");
+    EXPECT_EQ(b.Build(), (Bytes{0x03, 0x0B, 0x6A, 0x08, 'a',  'b',  0,    'X', 0, 'c', 'd', 0,  //
+                                0x87, 0x11, 0x06, 0x83, 0x00, 0x01,                             //
+                                0x87, 0x07, 0x06, 0x83, 0x00, 0x01,                             //
+                                0x87, 0x05, 0x83, 0x03, 0x06, 0x83, 0x05, 0x01}));
 }
 
 TEST(WbxmlBuilder, ParmsSwitchAttributePagesLikeAnEncoder) {
@@ -53,22 +54,6 @@ TEST(WbxmlBuilder, ParmsSwitchAttributePagesLikeAnEncoder) {
                                0x87, 0x07, 0x06, 0x03, 'n',  0x00, 0x01,        // NAME: same byte on page 1
                                0x01,                                            //
                                0xC6, 0x00, 0x00, 0x55, 0x01, 0x01}));           // NAPDEF back on page 0
-}
-
-TEST(WbxmlBuilder, TableModeReusesStrings) {
-    wbxml::Builder b;
-    b.UseStringTable().Parm(wbxml::prov::kNapId, "ab").Parm(wbxml::prov::kName, "ab").NamedParm("X", "cd");
-    EXPECT_EQ(b.Build(), (Bytes{0x03, 0x0B, 0x6A, 0x08, 'a',  'b',  0,    'X', 0, 'c', 'd', 0,  //
-                                0x87, 0x11, 0x06, 0x83, 0x00, 0x01,                             //
-                                0x87, 0x07, 0x06, 0x83, 0x00, 0x01,                             //
-                                0x87, 0x05, 0x83, 0x03, 0x06, 0x83, 0x05, 0x01}));
-}
-
-TEST(WbxmlBuilder, RawTokens) {
-    wbxml::Builder b;
-    b.Opaque("ab").OpaqueDeclared(9, "x").Entity(0x100).Literal(2).SwitchPage(7).StrIUnterminated("z");
-    EXPECT_EQ(b.Body(), (Bytes{0xC3, 0x02, 'a', 'b', 0xC3, 0x09, 'x', 0x02, 0x82, 0x00, 0x04, 0x02, 0x00,
-                               0x07, 0x03, 'z'}));
 }
 
 }  // namespace

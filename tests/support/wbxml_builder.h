@@ -1,26 +1,20 @@
-// Test-side WBXML writer for hand-made provisioning documents.
+// Test-side WBXML writer for hand-made provisioning documents (version 1.3,
+// public id 0x0B, UTF-8):
 //
-//   wbxml::Builder b;                       // version 1.3, public id 0x0B, UTF-8
-//   b.Doc()
-//       .Characteristic(wbxml::prov::kNapDef)
-//           .Parm(wbxml::prov::kNapId, "NAP1")
-//           .Parm(wbxml::prov::kNapAddrType, wbxml::prov::kIpv4)   // value token
-//           .Characteristic(wbxml::prov::kNapAuthInfo)
-//               .Parm(wbxml::prov::kAuthType, wbxml::prov::kPap)
-//           .End()
-//       .End()
-//     .End();
+//   wbxml::Builder b;
+//   b.Doc().Characteristic(wbxml::prov::kNapDef).Parm(wbxml::prov::kNapId, "NAP1");
+//   b.Parm(wbxml::prov::kNapAddrType, wbxml::prov::kIpv4).End().End();  // a value token
 //   std::vector<uint8_t> body = b.Build();
 //
 // The typed helpers emit SWITCH_PAGE inside an attribute list whenever the
 // token they need lives on the other attribute page (as encoders do); the raw
-// helpers (Tag, Byte, StrI, StrT, Opaque, SwitchPage, End, ...) write exactly
-// what they are told, for malformed input.
+// helpers (Tag, Byte, StrI, StrT, SwitchPage, End, ...) write exactly what
+// they are told, for malformed input.
 #ifndef TQOMACP_TESTS_WBXML_BUILDER_H
 #define TQOMACP_TESTS_WBXML_BUILDER_H
 
 #include <cstdint>
-#include <initializer_list>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,15 +24,8 @@ namespace wbxml {
 // Global tokens (WBXML 1.3).
 inline constexpr uint8_t kSwitchPage = 0x00;
 inline constexpr uint8_t kEnd = 0x01;
-inline constexpr uint8_t kEntity = 0x02;
 inline constexpr uint8_t kStrI = 0x03;
-inline constexpr uint8_t kLiteral = 0x04;
-inline constexpr uint8_t kExtI0 = 0x40;
-inline constexpr uint8_t kPi = 0x43;
-inline constexpr uint8_t kExtT0 = 0x80;
 inline constexpr uint8_t kStrT = 0x83;
-inline constexpr uint8_t kExt0 = 0xC0;
-inline constexpr uint8_t kOpaque = 0xC3;
 
 // Tag bits.
 inline constexpr uint8_t kHasAttributes = 0x80;
@@ -90,149 +77,73 @@ inline constexpr Token kResource{0x59, 1};
 
 // Parm names, page 0.
 inline constexpr Token kName{0x07, kAnyPage};  // NAME
-inline constexpr Token kNapAddress{0x08, 0};
 inline constexpr Token kNapAddrType{0x09, 0};
 inline constexpr Token kCallType{0x0A, 0};
-inline constexpr Token kValidUntil{0x0B, 0};
 inline constexpr Token kAuthType{0x0C, 0};
 inline constexpr Token kAuthName{0x0D, 0};
-inline constexpr Token kAuthSecret{0x0E, 0};
 inline constexpr Token kLinger{0x0F, 0};
 inline constexpr Token kBearer{0x10, 0};
 inline constexpr Token kNapId{0x11, 0};
 inline constexpr Token kCountry{0x12, 0};
 inline constexpr Token kNetwork{0x13, 0};
-inline constexpr Token kInternet{0x14, kAnyPage};
 inline constexpr Token kProxyId{0x15, 0};
-inline constexpr Token kProxyProviderId{0x16, 0};
 inline constexpr Token kDomain{0x17, 0};
 inline constexpr Token kProvUrl{0x18, 0};
 inline constexpr Token kPxAuthType{0x19, 0};
 inline constexpr Token kPxAuthId{0x1A, 0};
-inline constexpr Token kPxAuthPw{0x1B, 0};
 inline constexpr Token kStartPage{0x1C, kAnyPage};
-inline constexpr Token kBasAuthId{0x1D, 0};
-inline constexpr Token kBasAuthPw{0x1E, 0};
-inline constexpr Token kPushEnabled{0x1F, 0};
 inline constexpr Token kPxAddr{0x20, 0};
-inline constexpr Token kPxAddrType{0x21, 0};
 inline constexpr Token kToNapId{0x22, kAnyPage};
 inline constexpr Token kPortNbr{0x23, kAnyPage};
 inline constexpr Token kService{0x24, kAnyPage};
-inline constexpr Token kLinkSpeed{0x25, 0};
-inline constexpr Token kDnLinkSpeed{0x26, 0};
-inline constexpr Token kLocalAddr{0x27, 0};
-inline constexpr Token kLocalAddrType{0x28, 0};
-inline constexpr Token kContextAllow{0x29, 0};
-inline constexpr Token kTrust{0x2A, 0};
-inline constexpr Token kMaster{0x2B, 0};
-inline constexpr Token kSid{0x2C, 0};
-inline constexpr Token kSoc{0x2D, 0};
-inline constexpr Token kWspVersion{0x2E, 0};
 inline constexpr Token kPhysicalProxyId{0x2F, 0};
 inline constexpr Token kClientId{0x30, 0};
-inline constexpr Token kDeliveryErrSdu{0x31, 0};
-inline constexpr Token kDeliveryOrder{0x32, 0};
-inline constexpr Token kTrafficClass{0x33, 0};
-inline constexpr Token kMaxSduSize{0x34, 0};
-inline constexpr Token kMaxBitrateUplink{0x35, 0};
-inline constexpr Token kMaxBitrateDnlink{0x36, 0};
-inline constexpr Token kResidualBer{0x37, 0};
-inline constexpr Token kPxAddrFqdn{0x3D, 0};
-inline constexpr Token kProxyPw{0x3E, 0};
-inline constexpr Token kPpgAuthType{0x3F, 0};
 inline constexpr Token kPullEnabled{0x47, 0};
 inline constexpr Token kDnsAddr{0x48, 0};
-inline constexpr Token kMaxNumRetry{0x49, 0};
-inline constexpr Token kFirstRetryTimeout{0x4A, 0};
-inline constexpr Token kReregThreshold{0x4B, 0};
-inline constexpr Token kTBit{0x4C, 0};
 inline constexpr Token kAuthEntity{0x4E, 0};
-inline constexpr Token kSpi{0x4F, 0};
 // Parm names, page 1.
-inline constexpr Token kAAccept{0x2E, 1};
-inline constexpr Token kAAuthData{0x2F, 1};
-inline constexpr Token kAAuthLevel{0x30, 1};
 inline constexpr Token kAAuthName{0x31, 1};
-inline constexpr Token kAAuthSecret{0x32, 1};
-inline constexpr Token kAAuthType{0x33, 1};
 inline constexpr Token kAddr{0x34, 1};
-inline constexpr Token kAddrType{0x35, 1};
 inline constexpr Token kAppId{0x36, 1};
-inline constexpr Token kAProtocol{0x37, 1};
-inline constexpr Token kProviderId{0x38, 1};
 inline constexpr Token kToProxy{0x39, 1};
 inline constexpr Token kUri{0x3A, 1};
 inline constexpr Token kRule{0x3B, 1};
 
 // Value tokens (attribute values, same byte on both pages unless noted).
 inline constexpr uint8_t kIpv4 = 0x85;
-inline constexpr uint8_t kIpv6 = 0x86;
-inline constexpr uint8_t kE164 = 0x87;
-inline constexpr uint8_t kAlpha = 0x88;
-inline constexpr uint8_t kApn = 0x89;
-inline constexpr uint8_t kScode = 0x8A;
-inline constexpr uint8_t kTetraItsi = 0x8B;
-inline constexpr uint8_t kMan = 0x8C;
 inline constexpr uint8_t kAnalogModem = 0x90;  // page 0; page 1: "," (0x90)
-inline constexpr uint8_t kComma = 0x90;
-inline constexpr uint8_t kV120 = 0x91;  // page 0; page 1 0x91 is HTTP
-inline constexpr uint8_t kHttp = 0x91;
-inline constexpr uint8_t kBasic = 0x92;
-inline constexpr uint8_t kDigest = 0x93;
 inline constexpr uint8_t kBitTransparent = 0x94;
-inline constexpr uint8_t kGsmCsd = 0xAA;
 inline constexpr uint8_t kGsmGprs = 0xAB;
 inline constexpr uint8_t kPap = 0x9A;
-inline constexpr uint8_t kChap = 0x9B;
-inline constexpr uint8_t kHttpBasic = 0x9C;
-inline constexpr uint8_t kHttpDigest = 0x9D;
 inline constexpr uint8_t kClWsp = 0xCA;
-inline constexpr uint8_t kCoWsp = 0xCB;
 
 }  // namespace prov
 
 class Builder {
    public:
-    Builder() = default;
-
     // ---- Header (written by Build(), in front of the body) ----------------
-    Builder &Version(uint8_t version);
     Builder &PublicId(uint32_t publicId);
     // Public id 0 followed by this string-table index (the text is added to
     // the table first when given).
     Builder &LiteralPublicId(std::string_view text = prov::kPublicIdText);
-    Builder &Charset(uint32_t charset);
     // Adds a string (with its zero) to the string table; returns its index.
     uint32_t TableString(std::string_view text);
-    // Replaces the whole table with raw bytes.
-    Builder &RawTable(std::vector<uint8_t> bytes);
     // Typed helpers write strings as STR_T references instead of STR_I.
     Builder &UseStringTable(bool on = true);
 
     // ---- Raw body bytes --------------------------------------------------
-    Builder &Byte(uint8_t b);
+    Builder &Byte(uint8_t b) { return Bytes({b}); }
     Builder &Bytes(const std::vector<uint8_t> &bytes);
-    Builder &MbUint32(uint32_t value);
     Builder &Tag(uint8_t id, bool content, bool attributes);
-    Builder &End();
+    Builder &End() { return Byte(kEnd); }
     Builder &StrI(std::string_view text);
-    // STR_I without the terminating zero (for cut-off input).
-    Builder &StrIUnterminated(std::string_view text);
     Builder &StrT(uint32_t index);
-    Builder &StrT(std::string_view text);  // adds the text to the table
-    Builder &Opaque(std::string_view data);
-    Builder &OpaqueDeclared(uint32_t declaredLength, std::string_view data);
+    Builder &StrT(std::string_view text) { return StrT(TableString(text)); }  // adds the text to the table
     Builder &SwitchPage(uint8_t page);  // also updates the tracked attribute page
-    Builder &Entity(uint32_t code);
-    Builder &Literal(uint32_t index);
-    Builder &ExtI(uint8_t n, std::string_view text);
-    Builder &ExtT(uint8_t n, uint32_t index);
-    Builder &Ext(uint8_t n);
 
     // ---- Provisioning helpers --------------------------------------------
     // <wap-provisioningdoc> with content; close with End().
-    Builder &Doc();
+    Builder &Doc() { return Tag(prov::kTagWapProvisioningDoc, true, false); }
     Builder &DocVersion10();  // with version="1.0"
     // <characteristic type=...> with content; close with End().
     Builder &Characteristic(prov::Token type);
@@ -240,19 +151,15 @@ class Builder {
     Builder &Characteristic(std::string_view typeName);
     // Empty <characteristic type=.../>.
     Builder &EmptyCharacteristic(prov::Token type);
-    // <parm name=TOKEN value="text"/>
+    // <parm name=TOKEN value="text"/>, <parm name=TOKEN value=VALUE-TOKEN/>, <parm name=TOKEN/>
     Builder &Parm(prov::Token name, std::string_view value);
-    // <parm name=TOKEN value=VALUE-TOKEN/>
-    Builder &Parm(prov::Token name, uint8_t valueToken);
-    // <parm name=TOKEN/> (no value attribute)
-    Builder &Parm(prov::Token name);
+    Builder &Parm(prov::Token name, uint8_t valueToken) {
+        return ParmName(name).Bytes({prov::kValueAttr, valueToken, kEnd});
+    }
+    Builder &Parm(prov::Token name) { return ParmName(name).End(); }
     // <parm name="text" value="text"/> and <parm name="text"/>
     Builder &NamedParm(std::string_view name, std::string_view value);
-    Builder &NamedParm(std::string_view name);
-    // A string value as the helpers write it (STR_I, or STR_T in table mode).
-    Builder &String(std::string_view text);
-    // Makes sure the tracked attribute page is `page` (emits SWITCH_PAGE).
-    Builder &AttrPage(uint8_t page);
+    Builder &NamedParm(std::string_view name) { return NameAttr(name).End(); }
 
     // Header, string table and body.
     std::vector<uint8_t> Build() const;
@@ -260,12 +167,18 @@ class Builder {
     const std::vector<uint8_t> &Body() const { return body_; }
 
    private:
-    uint8_t version_ = 0x03;
+    // A string value as the helpers write it (STR_I, or STR_T in table mode).
+    Builder &String(std::string_view text) { return useTable_ ? StrT(text) : StrI(text); }
+    // Makes sure the tracked attribute page is `page` (emits SWITCH_PAGE).
+    Builder &AttrPage(uint8_t page);
+    // The start of a parm's attribute list up to its name.
+    Builder &ParmName(prov::Token name);
+    Builder &NameAttr(std::string_view name);
+
     uint32_t publicId_ = prov::kPublicId;
-    bool literalPublicId_ = false;
     uint32_t literalIndex_ = 0;
-    uint32_t charset_ = 0x6A;
     std::vector<uint8_t> table_;
+    std::map<std::string, uint32_t> tableIndex_;
     std::vector<uint8_t> body_;
     bool useTable_ = false;
     uint8_t attrPage_ = 0;
