@@ -73,70 +73,42 @@ void *const *Fields(const void *record) {
     return static_cast<void *const *>(record);
 }
 
-std::vector<Node> FromList(const TqsList *ptList);
-
-Node FromCharacter(const tqsWapCharacter *ptCharacter) {
-    Node node;
-    void *const *records = Fields(ptCharacter);
-    for (size_t i = 0; records != nullptr && i < Slots().size(); ++i) {
-        if (records[i] == nullptr) continue;
-        const Slot &slot = Slots()[i];
-        node.type += (node.type.empty() ? "" : "+") + slot.type;
-        void *const *fields = Fields(records[i]);
-        for (size_t f = 0; f < slot.fields.size(); ++f) {
-            const Field &field = slot.fields[f];
-            void *p = fields[f];
-            if (p == nullptr) continue;
-            switch (field.kind) {
-                case Field::kString:
-                    node.parms.push_back(field.name + "=" + Value(p));
-                    break;
-                case Field::kList:
-                    for (TqsListNode *n = static_cast<const TqsList *>(p)->ptHead; n != nullptr;
-                         n = n->ptNext)
-                        node.parms.push_back(field.name + "=" + Value(n->pItem));
-                    break;
-                case Field::kChars: {
-                    std::vector<Node> kids = FromList(static_cast<const TqsList *>(p));
-                    node.children.insert(node.children.end(), kids.begin(), kids.end());
-                    break;
-                }
-                case Field::kPairName:
-                    node.parms.push_back(Value(p) + "=" +
-                                         (fields[f + 1] != nullptr ? Value(fields[f + 1]) : ""));
-                    break;
-                case Field::kPairValue:
-                    break;
-            }
-        }
-    }
-    if (records == nullptr) node.type = "(none)";
-    if (node.type.empty()) node.type = "(untyped)";
-    return node;
+TqsListNode *Head(const void *list) {
+    return list != nullptr ? static_cast<const TqsList *>(list)->ptHead : nullptr;
 }
 
-std::vector<Node> FromList(const TqsList *ptList) {
+// The characteristics of a list as nodes; what the release leaves allocated goes to `kept`.
+std::vector<Node> FromList(const TqsList *ptList, std::set<void *> *kept) {
     std::vector<Node> out;
-    for (TqsListNode *n = ptList != nullptr ? ptList->ptHead : nullptr; n != nullptr; n = n->ptNext)
-        out.push_back(FromCharacter(static_cast<const tqsWapCharacter *>(n->pItem)));
-    return out;
-}
-
-void KeptIn(const TqsList *ptList, std::set<void *> *kept) {
-    for (TqsListNode *n = ptList != nullptr ? ptList->ptHead : nullptr; n != nullptr; n = n->ptNext) {
+    for (TqsListNode *n = Head(ptList); n != nullptr; n = n->ptNext) {
+        Node &node = out.emplace_back();
         void *const *records = Fields(n->pItem);
         for (size_t i = 0; records != nullptr && i < Slots().size(); ++i) {
             if (records[i] == nullptr) continue;
             const Slot &slot = Slots()[i];
+            node.type += (node.type.empty() ? "" : "+") + slot.type;
             if (slot.recordKept) kept->insert(records[i]);
             void *const *fields = Fields(records[i]);
             for (size_t f = 0; f < slot.fields.size(); ++f) {
-                if (fields[f] != nullptr && slot.fields[f].kept) kept->insert(fields[f]);
-                if (slot.fields[f].kind == Field::kChars)
-                    KeptIn(static_cast<const TqsList *>(fields[f]), kept);
+                const Field &field = slot.fields[f];
+                void *p = fields[f];
+                if (p == nullptr) continue;
+                if (field.kept) kept->insert(p);
+                if (field.kind == Field::kString) node.parms.push_back(field.name + "=" + Value(p));
+                if (field.kind == Field::kPairName)
+                    node.parms.push_back(Value(p) + "=" +
+                                         (fields[f + 1] != nullptr ? Value(fields[f + 1]) : ""));
+                for (TqsListNode *item = field.kind == Field::kList ? Head(p) : nullptr; item != nullptr;
+                     item = item->ptNext)
+                    node.parms.push_back(field.name + "=" + Value(item->pItem));
+                if (field.kind != Field::kChars) continue;
+                std::vector<Node> kids = FromList(static_cast<const TqsList *>(p), kept);
+                node.children.insert(node.children.end(), kids.begin(), kids.end());
             }
         }
+        if (node.type.empty()) node.type = records == nullptr ? "(none)" : "(untyped)";
     }
+    return out;
 }
 
 // The value of attribute `name` in the text of a start tag (the corpus XML
@@ -183,12 +155,13 @@ const std::vector<Slot> &Slots() {
 }
 
 std::vector<Node> FromTree(const tqsWapDoc *ptDoc) {
-    return ptDoc != nullptr ? FromList(ptDoc->ptCharacterList) : std::vector<Node>{};
+    std::set<void *> kept;
+    return ptDoc != nullptr ? FromList(ptDoc->ptCharacterList, &kept) : std::vector<Node>{};
 }
 
 std::set<void *> Kept(const tqsWapDoc *ptDoc) {
     std::set<void *> kept;
-    if (ptDoc != nullptr) KeptIn(ptDoc->ptCharacterList, &kept);
+    if (ptDoc != nullptr) FromList(ptDoc->ptCharacterList, &kept);
     return kept;
 }
 
