@@ -9,14 +9,11 @@
 #include <cstring>
 #include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "corpus.h"
 #include "mem_check.h"
-#include "smlbuffer.h"
-#include "tqslist.h"
 #include "tqsmemory.h"
 #include "trace_capture.h"
 #include "wap_tree.h"
