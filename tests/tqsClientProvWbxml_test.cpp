@@ -74,10 +74,8 @@ TEST(WbxmlDecoderRecord, NullBodyIsRefusedAndZeroLengthIsTaken) {
 // then released; what stays allocated must be exactly the blocks kept on purpose.
 
 char *NewText(const char *text) {
-    char *p = static_cast<char *>(
-        tqsMemAllocSetZero_debug(static_cast<uint32_t>(strlen(text) + 1), kTestFile, __LINE__));
-    std::strcpy(p, text);
-    return p;
+    auto size = static_cast<uint32_t>(strlen(text) + 1);
+    return std::strcpy(static_cast<char *>(tqsMemAllocSetZero_debug(size, kTestFile, __LINE__)), text);
 }
 
 TqsList *NewList(void *first, void *second) {
