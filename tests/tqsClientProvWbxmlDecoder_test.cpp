@@ -329,6 +329,7 @@ TEST_F(Decoder, Content) {
         {"STR_I, STR_T and a token joined", true, joined, 0, "abcTabIPV4", uint32_t(joined.size() - 1)},
         // nStrSize 0: the bound wraps, any index gives an empty text, nothing read outside the table.
         {"empty table, huge index", true, {0x00, 0x83, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0x01}, 0, "", 7},
+        {"empty table, index at the block's end", true, {0x00, 0x83, 0x02, 0x01}, 0, "", 3},
         {"stops at value=", false, {0x03, 'I', 'N', 'I', 'T', 0, 0x06, 0x03, 'v', 0}, 0, "INIT", 6},
         {"unterminated, no END", false, {0x03, 'a', 'b'}, 0x1007, "ab", kAny},
         {"known token alone", false, {0x85}, 0, "IPV4", kAny},
