@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 namespace {
 
 using fakejni::FakeJvm;
@@ -12,68 +10,50 @@ jint JNICALL nativeA(JNIEnv *, jclass) {
     return 1;
 }
 
-TEST(FakeJni, GetEnvHonoursTheSupportedVersion) {
+JNINativeMethod Method(const char *name, const char *signature) {
+    return {const_cast<char *>(name), const_cast<char *>(signature), reinterpret_cast<void *>(&nativeA)};
+}
+
+TEST(FakeJni, GetEnvFindClassAndRegisterNatives) {
     FakeJvm jvm;
     void *env = reinterpret_cast<void *>(1);
     EXPECT_EQ(jvm.vm()->GetEnv(&env, JNI_VERSION_1_4), JNI_OK);
     EXPECT_EQ(env, jvm.env());
-
     jvm.setSupportedVersion(JNI_VERSION_1_2);
     EXPECT_EQ(jvm.vm()->GetEnv(&env, JNI_VERSION_1_4), JNI_EVERSION);
     EXPECT_EQ(env, nullptr);
     EXPECT_EQ(jvm.vm()->GetEnv(&env, JNI_VERSION_1_2), JNI_OK);
-    // Not a JNI version at all.
-    EXPECT_EQ(jvm.vm()->GetEnv(&env, 0x10003), JNI_EVERSION);
+    EXPECT_EQ(jvm.vm()->GetEnv(&env, 0x10003), JNI_EVERSION);  // not a JNI version at all
     EXPECT_EQ(jvm.calls("GetEnv"), 4u);
-}
 
-TEST(FakeJni, FindClassAndRegisterNatives) {
-    FakeJvm jvm;
-    JNIEnv *env = jvm.env();
+    JNIEnv *e = jvm.env();
     jvm.hideClass("com/x/Missing");
-    EXPECT_EQ(env->FindClass("com/x/Missing"), nullptr);
+    EXPECT_EQ(e->FindClass("com/x/Missing"), nullptr);
     EXPECT_EQ(jvm.pendingException(), "java/lang/NoClassDefFoundError");
-
-    JNINativeMethod m = {const_cast<char *>("a"), const_cast<char *>("()I"),
-                         reinterpret_cast<void *>(&nativeA)};
-    EXPECT_EQ(env->RegisterNatives(env->FindClass("com/x/A"), &m, 1), JNI_OK);
+    const JNINativeMethod m = Method("a", "()I");
+    EXPECT_EQ(e->RegisterNatives(e->FindClass("com/x/A"), &m, 1), JNI_OK);
     EXPECT_EQ(jvm.nativeFor("com/x/A", "a"), reinterpret_cast<void *>(&nativeA));
     EXPECT_EQ(jvm.nativeFor("com/x/A", "b"), nullptr);
     EXPECT_EQ(jvm.nativeFor("com/x/B", "a"), nullptr);
 }
 
 TEST(FakeJni, RegisterNativesRefusesUndeclaredOrMalformedEntries) {
-    struct Case {
-        const char *name;
-        const char *signature;
-        bool ok;
+    const JNINativeMethod cases[] = {
+        Method("a", "()I"),   // declared
+        Method("a", "(I)I"),  // declared with another signature
+        Method("b", "()I"),   // not declared
+        Method("a", "I"),     // not a method signature
     };
-    const Case cases[] = {
-        {"a", "()I", true},
-        {"a", "(I)I", false},  // declared with another signature
-        {"b", "()I", false},   // not declared
-        {"a", "I", false},     // not a method signature
-    };
-    for (const Case &c : cases) {
+    for (const JNINativeMethod &m : cases) {
+        const bool ok = &m == &cases[0];
         FakeJvm jvm;
         jvm.declareMethods("com/x/A", {{"a", "()I"}});
         JNIEnv *env = jvm.env();
-        JNINativeMethod m = {const_cast<char *>(c.name), const_cast<char *>(c.signature),
-                             reinterpret_cast<void *>(&nativeA)};
-        EXPECT_EQ(env->RegisterNatives(env->FindClass("com/x/A"), &m, 1), c.ok ? JNI_OK : JNI_ERR)
-            << c.name << c.signature;
-        EXPECT_EQ(jvm.registrations().size(), c.ok ? 1u : 0u);
+        EXPECT_EQ(env->RegisterNatives(env->FindClass("com/x/A"), &m, 1), ok ? JNI_OK : JNI_ERR)
+            << m.name << m.signature;
+        EXPECT_EQ(jvm.registrations().size(), ok ? 1u : 0u);
     }
-
-    FakeJvm jvm;
-    jvm.failRegistration("com/x/A");
-    JNINativeMethod m = {const_cast<char *>("a"), const_cast<char *>("()I"),
-                         reinterpret_cast<void *>(&nativeA)};
-    EXPECT_LT(jvm.env()->RegisterNatives(jvm.env()->FindClass("com/x/A"), &m, 1), 0);
-    EXPECT_TRUE(jvm.registrations().empty());
 }
-
-using FakeJniDeathTest = ::testing::Test;
 
 TEST(FakeJniDeathTest, MisuseAborts) {
     FakeJvm jvm;

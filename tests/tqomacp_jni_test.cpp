@@ -58,40 +58,35 @@ TEST(TqomacpJniRegistration, OnLoadRegistersNineClassesInOrder) {
     EXPECT_EQ(regs[6].methods[18].signature, "()[Ljava/lang/String;");
 }
 
-TEST(TqomacpJniRegistration, VmWithoutJni14RegistersNothing) {
-    FakeJvm jvm;
-    jvm.setSupportedVersion(JNI_VERSION_1_2);
-    EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), -1);
-    EXPECT_TRUE(jvm.registrations().empty());
-    EXPECT_EQ(jvm.calls("FindClass"), 0u);
-}
-
+// A VM without JNI 1.4 gets nothing; otherwise registration stops at the
+// first failing class and nothing after it is even looked up.
 TEST(TqomacpJniRegistration, StopsAtTheFirstFailingClass) {
     struct Case {
         const char *label;
         void (*breakIt)(FakeJvm &);
-        size_t registered;
+        size_t registered, lookups;
     };
     const Case cases[] = {
-        {"XCPCtxAccess missing", [](FakeJvm &j) { j.hideClass(kClassOrder[7]); }, 7},
-        {"XCPCtxParser refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[0]); }, 0},
-        {"XCPCtxWifi refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[8]); }, 8},
+        {"no JNI 1.4", [](FakeJvm &j) { j.setSupportedVersion(JNI_VERSION_1_2); }, 0, 0},
+        {"XCPCtxAccess missing", [](FakeJvm &j) { j.hideClass(kClassOrder[7]); }, 7, 8},
+        {"XCPCtxParser refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[0]); }, 0, 1},
+        {"XCPCtxWifi refused", [](FakeJvm &j) { j.failRegistration(kClassOrder[8]); }, 8, 9},
         // A class whose declared natives differ from the table (wrong signature).
         {"signature mismatch",
          [](FakeJvm &j) {
              j.declareMethods(kClassOrder[4], {{"tqomacp_GetPxClientIdentityData", "()I"}});
          },
-         4},
+         4, 5},
     };
     for (const Case &c : cases) {
+        SCOPED_TRACE(c.label);
         FakeJvm jvm;
         c.breakIt(jvm);
-        EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), -1) << c.label;
-        ASSERT_EQ(jvm.registrations().size(), c.registered) << c.label;
+        EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), -1);
+        ASSERT_EQ(jvm.registrations().size(), c.registered);
         for (size_t i = 0; i < c.registered; ++i) EXPECT_EQ(jvm.registrations()[i].className, kClassOrder[i]);
-        // Nothing after the failing class is even looked up.
-        EXPECT_EQ(jvm.calls("FindClass"), c.registered + 1) << c.label;
-        EXPECT_FALSE(jvm.pendingException().empty()) << c.label;
+        EXPECT_EQ(jvm.calls("FindClass"), c.lookups);
+        EXPECT_EQ(jvm.pendingException().empty(), c.lookups == 0);
     }
 }
 
@@ -126,45 +121,27 @@ TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
         int written;
         const char *element;
     };
-    const Row rows[] = {
-        {TQS_JNI_MAP_NAP_ADDR_TYPE, "\x89", 1, "0x89"},
-        {TQS_JNI_MAP_NAP_ADDR_TYPE, "APN", 0, nullptr},
-        {TQS_JNI_MAP_NAP_ADDR_TYPE, nullptr, 1, nullptr},
-        {TQS_JNI_MAP_AUTH_TYPE, "PAP", 1, "PAP"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9A", 1, "PAP"},
-        {TQS_JNI_MAP_AUTH_TYPE, "CHAP", 1, "CHAP"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9B", 1, "CHAP"},
-        {TQS_JNI_MAP_AUTH_TYPE, "HTTP-BASIC", 1, "HTTP-BASIC"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9C", 1, "HTTP-BASIC"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9D", 1, "HTTP-DIGEST"},
-        {TQS_JNI_MAP_AUTH_TYPE, "WTLS-SS", 1, "WTLS-SS"},
-        {TQS_JNI_MAP_AUTH_TYPE, "WTLS_SS", 1, "NONE"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9E", 1, "WTLS-SS"},
-        {TQS_JNI_MAP_AUTH_TYPE, "MD5", 1, "MD5"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x9F", 1, "MD5"},
-        {TQS_JNI_MAP_AUTH_TYPE, "pap", 1, "NONE"},
-        {TQS_JNI_MAP_AUTH_TYPE, "PAP,CHAP", 1, "NONE"},
-        {TQS_JNI_MAP_AUTH_TYPE, "", 1, "NONE"},
-        {TQS_JNI_MAP_AUTH_TYPE, "\x91", 1, "NONE"},
-        {TQS_JNI_MAP_AUTH_TYPE, "chap", 1, "NONE"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "IPV4", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "\x85", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "IPV6", 1, "NET_ADDR_IPV6"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "\x86", 1, "NET_ADDR_IPV6"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "E164", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "ipv6", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "\x88", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_PX_ADDR_TYPE, "ALPHA", 1, "NET_ADDR_IPV4"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "\x8D", 1, "APPSRV"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "APPSRV", 1, "APPSRV"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "appsrv", 1, nullptr},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "CLIENT", 1, "CLIENT"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "client", 1, "CLIENT"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "cLiEnT", 1, "CLIENT"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "Client", 1, "CLIENT"},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "\x8E", 1, nullptr},
-        {TQS_JNI_MAP_AAUTH_LEVEL, "OBEX", 1, nullptr},
-    };
+    constexpr tqsJniMapping kNap = TQS_JNI_MAP_NAP_ADDR_TYPE, kAuth = TQS_JNI_MAP_AUTH_TYPE,
+                            kPx = TQS_JNI_MAP_PX_ADDR_TYPE, kLevel = TQS_JNI_MAP_AAUTH_LEVEL;
+    const Row rows[] = {{kNap, "\x89", 1, "0x89"},         {kNap, "APN", 0, nullptr},
+                        {kNap, nullptr, 1, nullptr},       {kAuth, "PAP", 1, "PAP"},
+                        {kAuth, "\x9A", 1, "PAP"},         {kAuth, "CHAP", 1, "CHAP"},
+                        {kAuth, "\x9B", 1, "CHAP"},        {kAuth, "HTTP-BASIC", 1, "HTTP-BASIC"},
+                        {kAuth, "\x9C", 1, "HTTP-BASIC"},  {kAuth, "\x9D", 1, "HTTP-DIGEST"},
+                        {kAuth, "WTLS-SS", 1, "WTLS-SS"},  {kAuth, "WTLS_SS", 1, "NONE"},
+                        {kAuth, "\x9E", 1, "WTLS-SS"},     {kAuth, "MD5", 1, "MD5"},
+                        {kAuth, "\x9F", 1, "MD5"},         {kAuth, "pap", 1, "NONE"},
+                        {kAuth, "PAP,CHAP", 1, "NONE"},    {kAuth, "", 1, "NONE"},
+                        {kAuth, "\x91", 1, "NONE"},        {kAuth, "chap", 1, "NONE"},
+                        {kPx, "IPV4", 1, "NET_ADDR_IPV4"}, {kPx, "\x85", 1, "NET_ADDR_IPV4"},
+                        {kPx, "IPV6", 1, "NET_ADDR_IPV6"}, {kPx, "\x86", 1, "NET_ADDR_IPV6"},
+                        {kPx, "E164", 1, "NET_ADDR_IPV4"}, {kPx, "ipv6", 1, "NET_ADDR_IPV4"},
+                        {kPx, "\x88", 1, "NET_ADDR_IPV4"}, {kPx, "ALPHA", 1, "NET_ADDR_IPV4"},
+                        {kLevel, "\x8D", 1, "APPSRV"},     {kLevel, "APPSRV", 1, "APPSRV"},
+                        {kLevel, "appsrv", 1, nullptr},    {kLevel, "CLIENT", 1, "CLIENT"},
+                        {kLevel, "client", 1, "CLIENT"},   {kLevel, "cLiEnT", 1, "CLIENT"},
+                        {kLevel, "Client", 1, "CLIENT"},   {kLevel, "\x8E", 1, nullptr},
+                        {kLevel, "OBEX", 1, nullptr}};
     for (const Row &r : rows) {
         const char *element = "untouched";
         EXPECT_EQ(tqsJniMapElement(r.mapping, r.stored, &element), r.written)
@@ -187,22 +164,12 @@ class ContextBuilder {
         ptCtx = nullptr;
         for (void *block : blocks_) free(block);
     }
-    ContextBuilder(const ContextBuilder &) = delete;
-    ContextBuilder &operator=(const ContextBuilder &) = delete;
 
     template <class T>
     T *New() {
-        T *record = static_cast<T *>(calloc(1, sizeof(T)));
-        blocks_.push_back(record);
-        return record;
+        return static_cast<T *>(Keep(calloc(1, sizeof(T))));
     }
-
-    char *Str(const std::string &text) {
-        char *copy = static_cast<char *>(calloc(text.size() + 1, 1));
-        memcpy(copy, text.data(), text.size());
-        blocks_.push_back(copy);
-        return copy;
-    }
+    char *Str(const std::string &text) { return static_cast<char *>(Keep(strdup(text.c_str()))); }
 
     tqsCtxStrNode *List(std::initializer_list<std::string> items) {
         tqsCtxStrNode *head = nullptr;
@@ -219,16 +186,15 @@ class ContextBuilder {
     template <class T>
     std::vector<T *> Chain(T **head, int count) {
         std::vector<T *> records;
-        for (int i = 0; i < count; ++i) {
-            T *record = New<T>();
-            *head = record;
-            head = &record->ptNext;
-            records.push_back(record);
-        }
+        for (int i = 0; i < count; ++i, head = &records.back()->ptNext) records.push_back(*head = New<T>());
         return records;
     }
 
    private:
+    void *Keep(void *block) {
+        blocks_.push_back(block);
+        return block;
+    }
     std::vector<void *> blocks_;  // before root: New() fills it
 
    public:
@@ -292,36 +258,26 @@ TEST_F(TqomacpJniGetters, BearerNamesAndTheNapAddressSubstitution) {
 
 TEST_F(TqomacpJniGetters, NapDefDataMapsRawAddressTypesAndShiftsOnText) {
     auto naps = ctx.Chain(&ctx.root->ptNapDef, 3);
-    for (tqsCtxNapDef *nap : naps) {
-        char **fields = reinterpret_cast<char **>(nap);
-        for (int i = 0; i < 28; ++i) fields[i] = ctx.Str("f" + std::to_string(i));
-        for (int i = 17; i <= 22; ++i) fields[i] = nullptr;  // reserved
+    Strings fields;  // the 28 leading fields as stored; 17 to 22 are reserved
+    for (int i = 0; i < 28; ++i) {
+        fields.push_back(i >= 17 && i <= 22 ? std::nullopt : std::optional("f" + std::to_string(i)));
+        for (tqsCtxNapDef *nap : naps)
+            reinterpret_cast<char **>(nap)[i] = fields[i] ? ctx.Str(*fields[i]) : nullptr;
     }
     naps[0]->pszNapAddrType = ctx.Str("\x8A");
     naps[1]->pszNapAddrType = ctx.Str("APN");
     naps[2]->pszNapAddrType = nullptr;
 
-    Strings raw = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 1));
-    ASSERT_EQ(raw.size(), 29u);
-    EXPECT_EQ(raw[3], "f3");
-    EXPECT_EQ(raw[4], "0x8a");
-    EXPECT_EQ(raw[5], "f5");
-    EXPECT_EQ(raw[16], "f16");
-    for (int i = 17; i <= 22; ++i) EXPECT_EQ(raw[i], std::nullopt) << i;
-    EXPECT_EQ(raw[27], "f27");
-    EXPECT_EQ(raw[28], std::nullopt);
-
-    Strings text = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 2));
-    ASSERT_EQ(text.size(), 29u);
-    EXPECT_EQ(text[4], "f5");  // CALLTYPE moved up
-    EXPECT_EQ(text[26], "f27");
-    EXPECT_EQ(text[27], std::nullopt);
-    EXPECT_EQ(text[28], "");  // the initial empty string
-
-    Strings none = A(jni_tqomacp_GetPxNapDefData(env, nullptr, 3));
-    EXPECT_EQ(none[4], std::nullopt);
-    EXPECT_EQ(none[5], "f5");
-    EXPECT_EQ(none[28], std::nullopt);
+    Strings raw = fields, text = fields, none = fields;
+    raw[4] = "0x8a";  // named by its code
+    raw.push_back(std::nullopt);
+    text.erase(text.begin() + 4);  // no element: CALLTYPE moves up, the initial empty string stays last
+    text.insert(text.end(), {std::nullopt, ""});
+    none[4] = std::nullopt;
+    none.push_back(std::nullopt);
+    EXPECT_EQ(A(jni_tqomacp_GetPxNapDefData(env, nullptr, 1)), raw);
+    EXPECT_EQ(A(jni_tqomacp_GetPxNapDefData(env, nullptr, 2)), text);
+    EXPECT_EQ(A(jni_tqomacp_GetPxNapDefData(env, nullptr, 3)), none);
 
     struct Row {
         const char *stored;
@@ -335,60 +291,36 @@ TEST_F(TqomacpJniGetters, NapDefDataMapsRawAddressTypesAndShiftsOnText) {
     }
 }
 
+// The mapped element stays at its index, its neighbour and the end mark too.
 TEST_F(TqomacpJniGetters, AuthTypeLevelAndAddressTypeMappings) {
-    auto naps = ctx.Chain(&ctx.root->ptNapDef, 1);
-    auto auth = ctx.Chain(&naps[0]->ptNapAuthInfo, 1);
-    auto px = ctx.Chain(&ctx.root->ptPxLogical, 1);
-    auto phys = ctx.Chain(&px[0]->ptPxPhysical, 1);
-    auto apps = ctx.Chain(&ctx.root->ptApplication, 1);
-    auto appAuth = ctx.Chain(&apps[0]->ptAppAuth, 1);
-    // The field after the mapped one, to see that nothing moves.
-    auth[0]->pszAuthName = ctx.Str("next");
-    phys[0]->pszPxAddrFqdn = ctx.Str("next");
-    appAuth[0]->pszAAuthType = ctx.Str("next");
-
-    using Getter = jobjectArray (*)(JNIEnv *, jclass, jint, jint);
-    struct Row {
-        std::optional<std::string> stored;
-        std::optional<std::string> element;
-    };
-    struct Mapping {
-        const char *label;
+    auto auth = ctx.Chain(&ctx.Chain(&ctx.root->ptNapDef, 1)[0]->ptNapAuthInfo, 1);
+    auto phys = ctx.Chain(&ctx.Chain(&ctx.root->ptPxLogical, 1)[0]->ptPxPhysical, 1);
+    auto appAuth = ctx.Chain(&ctx.Chain(&ctx.root->ptApplication, 1)[0]->ptAppAuth, 1);
+    auth[0]->pszAuthName = phys[0]->pszPxAddrFqdn = appAuth[0]->pszAAuthType = ctx.Str("next");
+    const struct {
         char **field;
-        Getter get;
-        size_t index;   // of the mapped element
-        size_t length;  // of the array
-        std::vector<Row> rows;
+        jobjectArray (*get)(JNIEnv *, jclass, jint, jint);
+        size_t index, length;  // of the mapped element, of the array
+        const char *stored, *element;
+    } rows[] = {
+        {&auth[0]->pszAuthType, jni_tqomacp_GetPxNapAuthInfoData, 0, 5, nullptr, nullptr},
+        {&auth[0]->pszAuthType, jni_tqomacp_GetPxNapAuthInfoData, 0, 5, "\x9D", "HTTP-DIGEST"},
+        {&auth[0]->pszAuthType, jni_tqomacp_GetPxNapAuthInfoData, 0, 5, "pap", "NONE"},
+        {&phys[0]->pszPxAddrType, jni_tqomacp_GetPxPhysicalData, 2, 8, nullptr, nullptr},
+        {&phys[0]->pszPxAddrType, jni_tqomacp_GetPxPhysicalData, 2, 8, "\x86", "NET_ADDR_IPV6"},
+        {&phys[0]->pszPxAddrType, jni_tqomacp_GetPxPhysicalData, 2, 8, "E164", "NET_ADDR_IPV4"},
+        {&appAuth[0]->pszAAuthLevel, jni_tqomacp_GetPxAppAuthData, 0, 6, nullptr, nullptr},
+        {&appAuth[0]->pszAAuthLevel, jni_tqomacp_GetPxAppAuthData, 0, 6, "cLiEnT", "CLIENT"},
+        {&appAuth[0]->pszAAuthLevel, jni_tqomacp_GetPxAppAuthData, 0, 6, "appsrv", nullptr},
     };
-    const Mapping mappings[] = {
-        {"AUTHTYPE",
-         &auth[0]->pszAuthType,
-         jni_tqomacp_GetPxNapAuthInfoData,
-         0,
-         5,
-         {{std::nullopt, std::nullopt}, {"\x9D", "HTTP-DIGEST"}, {"pap", "NONE"}}},
-        {"PXADDRTYPE",
-         &phys[0]->pszPxAddrType,
-         jni_tqomacp_GetPxPhysicalData,
-         2,
-         8,
-         {{std::nullopt, std::nullopt}, {"\x86", "NET_ADDR_IPV6"}, {"E164", "NET_ADDR_IPV4"}}},
-        {"AAUTHLEVEL",
-         &appAuth[0]->pszAAuthLevel,
-         jni_tqomacp_GetPxAppAuthData,
-         0,
-         6,
-         {{std::nullopt, std::nullopt}, {"cLiEnT", "CLIENT"}, {"appsrv", std::nullopt}}},
-    };
-    for (const Mapping &m : mappings) {
-        for (const Row &r : m.rows) {
-            *m.field = r.stored ? ctx.Str(*r.stored) : nullptr;
-            Strings got = A(m.get(env, nullptr, 1, 1));
-            ASSERT_EQ(got.size(), m.length) << m.label;
-            EXPECT_EQ(got[m.index], r.element) << m.label << " " << r.stored.value_or("(null)");
-            EXPECT_EQ(got[m.index + 1], "next") << m.label;
-            EXPECT_EQ(got[m.length - 1], std::nullopt) << m.label;
-        }
+    for (const auto &r : rows) {
+        SCOPED_TRACE(r.stored ? r.stored : "(null)");
+        *r.field = r.stored ? ctx.Str(r.stored) : nullptr;
+        Strings got = A(r.get(env, nullptr, 1, 1));
+        ASSERT_EQ(got.size(), r.length);
+        EXPECT_EQ(got[r.index], r.element ? std::optional<std::string>(r.element) : std::nullopt);
+        EXPECT_EQ(got[r.index + 1], "next");
+        EXPECT_EQ(got[r.length - 1], std::nullopt);
     }
 }
 
@@ -504,12 +436,14 @@ class TqomacpJniSession : public ::testing::Test {
         return live;
     }
 
+    // Content type, header length, body length, MAC length, SEC.
+    std::vector<jint> Header() {
+        return {jni_tqomacp_GetParserContentType(env, nullptr), jni_tqomacp_GetParserHeaderLen(env, nullptr),
+                jni_tqomacp_GetParserBodyLen(env, nullptr), jni_tqomacp_GetParserMACLen(env, nullptr),
+                jni_tqomacp_GetParserSEC(env, nullptr)};
+    }
     void ExpectEmpty() {
-        EXPECT_EQ(jni_tqomacp_GetParserContentType(env, nullptr), -1);
-        EXPECT_EQ(jni_tqomacp_GetParserHeaderLen(env, nullptr), -1);
-        EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), -1);
-        EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), -1);
-        EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), -1);
+        EXPECT_EQ(Header(), std::vector<jint>(5, -1));
         EXPECT_EQ(jni_tqomacp_GetParserMAC(env, nullptr), nullptr);
         EXPECT_EQ(jni_tqomacp_GetParserBody(env, nullptr), nullptr);
     }
@@ -527,11 +461,7 @@ TEST_F(TqomacpJniSession, HeaderOnlyParseAndRelease) {
     jbyteArray array = jvm.newByteArray(pdu);
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, array, static_cast<jlong>(pdu.size()), 1), JNI_TRUE);
     EXPECT_EQ(ptCtx, nullptr);
-    EXPECT_EQ(jni_tqomacp_GetParserContentType(env, nullptr), 0x36);
-    EXPECT_EQ(jni_tqomacp_GetParserHeaderLen(env, nullptr), 3);
-    EXPECT_EQ(jni_tqomacp_GetParserBodyLen(env, nullptr), 6);
-    EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), 0x80);
-    EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), 0);
+    EXPECT_EQ(Header(), (std::vector<jint>{0x36, 3, 6, 0, 0x80}));
     EXPECT_TRUE(jvm.bytes(jni_tqomacp_GetParserMAC(env, nullptr)).empty());
     EXPECT_EQ(jvm.bytes(jni_tqomacp_GetParserBody(env, nullptr)),
               std::vector<uint8_t>(pdu.begin() + 6, pdu.end()));
@@ -552,7 +482,7 @@ TEST_F(TqomacpJniSession, HeaderOnlyParseAndRelease) {
               (std::vector<std::string>{kRecord, kBody, kRecord, kBody, kRecord, kBody, kBody}));
 }
 
-TEST_F(TqomacpJniSession, RefusedHeadersLeaveTheEmptyState) {
+TEST_F(TqomacpJniSession, RefusedPushesLeaveTheEmptyState) {
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, nullptr, 10, 0), JNI_FALSE);
     ExpectEmpty();
     EXPECT_EQ(jvm.calls("GetByteArrayElements"), 0u);
@@ -560,20 +490,26 @@ TEST_F(TqomacpJniSession, RefusedHeadersLeaveTheEmptyState) {
     ExpectEmpty();
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray({}), 0, 1), JNI_FALSE);
     ExpectEmpty();
+    EXPECT_TRUE(TakeLiveBlocks().empty());
+    // A push whose body is not a provisioning document (public id 0x01): the
+    // header record is released once, its body copy stays.
+    const std::vector<uint8_t> pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x01, 0x6A, 0x00, 0x45, 0x01};
+    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray(pdu), static_cast<jlong>(pdu.size()), 0),
+              JNI_FALSE);
+    EXPECT_EQ(ptCtx, nullptr);
+    ExpectEmpty();
+    jni_tqomacp_parser_del(env, nullptr);  // nothing left to free twice
+    EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
 }
 
 TEST_F(TqomacpJniSession, MacIsCopiedWithoutItsZero) {
-    std::vector<uint8_t> pdu = {0x01, 0x06, 0x0B, 0xB6, 0x91, 0x81, 0x92};
-    for (char c : std::string("ABCDEF")) pdu.push_back(static_cast<uint8_t>(c));
-    pdu.push_back(0);
-    pdu.push_back(0xAA);
-    pdu.push_back(0x55);  // body
+    const std::vector<uint8_t> pdu = {0x01, 0x06, 0x0B, 0xB6, 0x91, 0x81, 0x92, 'A',
+                                      'B',  'C',  'D',  'E',  'F',  0x00, 0xAA, 0x55};  // MAC, then the body
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray(pdu), static_cast<jlong>(pdu.size()), 1),
               JNI_TRUE);
-    EXPECT_EQ(jni_tqomacp_GetParserMACLen(env, nullptr), 6);
+    EXPECT_EQ(Header(), (std::vector<jint>{0x36, 11, 2, 6, 0x81}));
     EXPECT_EQ(jvm.bytes(jni_tqomacp_GetParserMAC(env, nullptr)),
               (std::vector<uint8_t>{'A', 'B', 'C', 'D', 'E', 'F'}));
-    EXPECT_EQ(jni_tqomacp_GetParserSEC(env, nullptr), 0x81);
     jni_tqomacp_parser_del(env, nullptr);
     EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
 }
@@ -589,17 +525,6 @@ TEST_F(TqomacpJniSession, FullParseThenReleaseKeepsOnlyTheBodyCopy) {
     jni_tqomacp_parser_del(env, nullptr);
     EXPECT_EQ(ptCtx, nullptr);
     ExpectEmpty();
-    EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
-}
-
-TEST_F(TqomacpJniSession, RejectedBodyReleasesTheRecordOnce) {
-    // A push whose body is not a provisioning document (public id 0x01).
-    const std::vector<uint8_t> pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80, 0x03, 0x01, 0x6A, 0x00, 0x45, 0x01};
-    EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray(pdu), static_cast<jlong>(pdu.size()), 0),
-              JNI_FALSE);
-    EXPECT_EQ(ptCtx, nullptr);
-    ExpectEmpty();
-    jni_tqomacp_parser_del(env, nullptr);  // nothing left to free twice
     EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>{kBody});
 }
 

@@ -1,8 +1,10 @@
 #include "fake_jni.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <map>
 #include <type_traits>
 #include <unordered_set>
@@ -39,31 +41,22 @@ struct Object {
 #define FAKEJNI_ANY_SIGNATURE
 #endif
 
-template <std::size_t N>
+template <bool kVm, std::size_t N>
 FAKEJNI_ANY_SIGNATURE void unimplementedSlot() {
-    std::fprintf(stderr,
-                 "fake JNI: JNIEnv function table slot %zu is not implemented "
-                 "(count the entries of struct JNINativeInterface_ in jni.h)\n",
-                 N);
+    std::fprintf(
+        stderr,
+        "fake JNI: %s function table slot %zu is not implemented (count the entries of %s in jni.h)\n",
+        kVm ? "JavaVM" : "JNIEnv", N, kVm ? "JNIInvokeInterface_" : "JNINativeInterface_");
     std::fflush(stderr);
     std::abort();
 }
 
-template <std::size_t N>
-FAKEJNI_ANY_SIGNATURE void unimplementedVmSlot() {
-    std::fprintf(stderr, "fake JNI: JavaVM function table slot %zu is not implemented\n", N);
-    std::fflush(stderr);
-    std::abort();
-}
-
-template <typename Table, std::size_t... I>
-void fillWithStubs(Table *table, bool vm, std::index_sequence<I...>) {
+template <bool kVm, typename Table, std::size_t... I>
+void fillWithStubs(Table *table, std::index_sequence<I...>) {
     using Stub = void (*)();
-    const Stub stubs[] = {(vm ? &unimplementedVmSlot<I> : &unimplementedSlot<I>)...};
+    const Stub stubs[] = {&unimplementedSlot<kVm, I>...};
     static_assert(sizeof(Stub) == sizeof(void *));
-    for (std::size_t i = 0; i < sizeof...(I); ++i) {
-        std::memcpy(reinterpret_cast<char *>(table) + i * sizeof(void *), &stubs[i], sizeof(void *));
-    }
+    std::memcpy(static_cast<void *>(table), stubs, sizeof stubs);
 }
 
 constexpr std::size_t kEnvSlots = sizeof(JNINativeInterface_) / sizeof(void *);
@@ -73,21 +66,15 @@ constexpr std::size_t kVmSlots = sizeof(JNIInvokeInterface_) / sizeof(void *);
 // one to four bytes, lead byte then continuation bytes; no stray
 // continuation byte, no 0xF8..0xFF, nothing cut off by the end.
 bool isModifiedUtf8(const char *text) {
-    const auto *s = reinterpret_cast<const unsigned char *>(text);
-    while (*s != 0) {
+    for (const auto *s = reinterpret_cast<const unsigned char *>(text); *s != 0;) {
         const unsigned char lead = *s++;
-        int more;
-        if (lead < 0x80) {
-            more = 0;
-        } else if (lead < 0xC0 || lead >= 0xF8) {
-            return false;
-        } else if (lead < 0xE0) {
-            more = 1;
-        } else if (lead < 0xF0) {
-            more = 2;
-        } else {
-            more = 3;
-        }
+        int more = lead < 0x80   ? 0
+                   : lead < 0xC0 ? -1
+                   : lead < 0xE0 ? 1
+                   : lead < 0xF0 ? 2
+                   : lead < 0xF8 ? 3
+                                 : -1;
+        if (more < 0) return false;
         for (; more > 0; --more, ++s) {
             if ((*s & 0xC0) != 0x80) return false;
         }
@@ -98,10 +85,7 @@ bool isModifiedUtf8(const char *text) {
 bool isKnownVersion(jint version) {
     static const jint kVersions[] = {0x00010001, 0x00010002, 0x00010004, 0x00010006, 0x00010008,
                                      0x00090000, 0x000a0000, 0x00130000, 0x00140000, 0x00150000};
-    for (jint v : kVersions) {
-        if (v == version) return true;
-    }
-    return false;
+    return std::find(std::begin(kVersions), std::end(kVersions), version) != std::end(kVersions);
 }
 
 // What the library gets pointers to. Standard layout, so that a callback can
@@ -132,6 +116,12 @@ struct FakeJvm::State {
     std::map<std::string, std::size_t> calls;
 
     static State *of(JNIEnv *e) { return reinterpret_cast<Tables *>(e)->owner; }
+    // The state behind `e`, with the call counted.
+    static State *enter(JNIEnv *e, const char *fn) {
+        State *s = of(e);
+        ++s->calls[fn];
+        return s;
+    }
     static State *of(JavaVM *v) {
         return reinterpret_cast<Tables *>(reinterpret_cast<char *>(v) - offsetof(Tables, vm))->owner;
     }
@@ -144,20 +134,20 @@ struct FakeJvm::State {
         return o;
     }
 
-    // Resolves a reference the library handed back; null allowed only when
-    // `nullable`.
-    Object *resolve(const void *ref, Kind kind, const char *call, bool nullable = false) const {
-        if (ref == nullptr) {
-            if (nullable) return nullptr;
-            fatal("null reference passed to ", call);
-        }
-        auto *o = static_cast<const Object *>(ref);
-        if (live.count(o) == 0) fatal("stale or foreign reference passed to ", call);
-        if (o->kind != kind) fatal("wrong kind of object passed to ", call);
-        return const_cast<Object *>(o);
+    // A reference the library handed back: null stays null, a stale one is fatal.
+    Object *find(const void *ref, const char *call) const {
+        auto *o = static_cast<Object *>(const_cast<void *>(ref));
+        if (o != nullptr && live.count(o) == 0) fatal("stale or foreign reference passed to ", call);
+        return o;
     }
 
-    void count(const char *fn) { ++calls[fn]; }
+    // The same for an object of one kind; null allowed only when `nullable`.
+    Object *resolve(const void *ref, Kind kind, const char *call, bool nullable = false) const {
+        Object *o = find(ref, call);
+        if (o == nullptr && !nullable) fatal("null reference passed to ", call);
+        if (o != nullptr && o->kind != kind) fatal("wrong kind of object passed to ", call);
+        return o;
+    }
 };
 
 namespace {
@@ -166,7 +156,7 @@ using State = FakeJvm::State;
 
 jint JNICALL vmGetEnv(JavaVM *vm, void **penv, jint version) {
     State *s = State::of(vm);
-    s->count("GetEnv");
+    ++s->calls["GetEnv"];
     if (penv == nullptr) fatal("GetEnv with a null out pointer");
     if (!isKnownVersion(version) || version > s->supportedVersion) {
         *penv = nullptr;
@@ -177,8 +167,7 @@ jint JNICALL vmGetEnv(JavaVM *vm, void **penv, jint version) {
 }
 
 jclass JNICALL envFindClass(JNIEnv *env, const char *name) {
-    State *s = State::of(env);
-    s->count("FindClass");
+    State *s = State::enter(env, "FindClass");
     if (name == nullptr) fatal("FindClass with a null name");
     if (s->hidden.count(name) != 0) {
         s->pending = "java/lang/NoClassDefFoundError";
@@ -190,47 +179,40 @@ jclass JNICALL envFindClass(JNIEnv *env, const char *name) {
 }
 
 jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod *methods, jint n) {
-    State *s = State::of(env);
-    s->count("RegisterNatives");
+    State *s = State::enter(env, "RegisterNatives");
     const Object *cls = s->resolve(clazz, Kind::kClass, "RegisterNatives");
     if (n < 0 || (n > 0 && methods == nullptr)) fatal("RegisterNatives with a bad method table");
+    auto refuse = [s] {
+        s->pending = "java/lang/NoSuchMethodError";
+        return JNI_ERR;
+    };
+    const auto decl = s->declared.find(cls->text);
     Registration reg{cls->text, {}};
     for (jint i = 0; i < n; ++i) {
         const JNINativeMethod &m = methods[i];
         if (m.name == nullptr || m.signature == nullptr || m.fnPtr == nullptr || m.signature[0] != '(' ||
             std::strchr(m.signature, ')') == nullptr) {
-            s->pending = "java/lang/NoSuchMethodError";
-            return JNI_ERR;
+            return refuse();
         }
-        auto decl = s->declared.find(cls->text);
-        if (decl != s->declared.end() && decl->second.count({m.name, m.signature}) == 0) {
-            s->pending = "java/lang/NoSuchMethodError";
-            return JNI_ERR;
-        }
+        if (decl != s->declared.end() && decl->second.count({m.name, m.signature}) == 0) return refuse();
         reg.methods.push_back({m.name, m.signature, m.fnPtr});
     }
-    if (s->failing.count(cls->text) != 0) {
-        s->pending = "java/lang/NoSuchMethodError";
-        return JNI_ERR;
-    }
+    if (s->failing.count(cls->text) != 0) return refuse();
     s->registrations.push_back(std::move(reg));
     return JNI_OK;
 }
 
 jsize JNICALL envGetArrayLength(JNIEnv *env, jarray array) {
-    State *s = State::of(env);
-    s->count("GetArrayLength");
+    State *s = State::enter(env, "GetArrayLength");
     if (array == nullptr) fatal("GetArrayLength on a null array");
-    auto *o = static_cast<const Object *>(static_cast<const void *>(array));
-    if (s->live.count(o) == 0) fatal("stale or foreign reference passed to GetArrayLength");
+    const Object *o = s->find(array, "GetArrayLength");
     if (o->kind == Kind::kByteArray) return o->length;
     if (o->kind == Kind::kObjectArray) return static_cast<jsize>(o->elements.size());
     fatal("GetArrayLength on an object that is not an array");
 }
 
 jbyte *JNICALL envGetByteArrayElements(JNIEnv *env, jbyteArray array, jboolean *isCopy) {
-    State *s = State::of(env);
-    s->count("GetByteArrayElements");
+    State *s = State::enter(env, "GetByteArrayElements");
     Object *o = s->resolve(array, Kind::kByteArray, "GetByteArrayElements");
     // Pinned, not copied: the library never releases elements, and a pinned
     // array is what makes that harmless.
@@ -239,8 +221,7 @@ jbyte *JNICALL envGetByteArrayElements(JNIEnv *env, jbyteArray array, jboolean *
 }
 
 jbyteArray JNICALL envNewByteArray(JNIEnv *env, jsize len) {
-    State *s = State::of(env);
-    s->count("NewByteArray");
+    State *s = State::enter(env, "NewByteArray");
     if (len < 0) {
         s->pending = "java/lang/NegativeArraySizeException";
         return nullptr;
@@ -252,8 +233,7 @@ jbyteArray JNICALL envNewByteArray(JNIEnv *env, jsize len) {
 }
 
 void JNICALL envSetByteArrayRegion(JNIEnv *env, jbyteArray array, jsize start, jsize len, const jbyte *buf) {
-    State *s = State::of(env);
-    s->count("SetByteArrayRegion");
+    State *s = State::enter(env, "SetByteArrayRegion");
     Object *o = s->resolve(array, Kind::kByteArray, "SetByteArrayRegion");
     if (start < 0 || len < 0 || start > o->length || len > o->length - start) {
         fatal("SetByteArrayRegion out of range (ArrayIndexOutOfBoundsException)");
@@ -265,8 +245,7 @@ void JNICALL envSetByteArrayRegion(JNIEnv *env, jbyteArray array, jsize start, j
 }
 
 jstring JNICALL envNewStringUTF(JNIEnv *env, const char *utf) {
-    State *s = State::of(env);
-    s->count("NewStringUTF");
+    State *s = State::enter(env, "NewStringUTF");
     // Android's checked JNI aborts on a null text, so the library must test
     // for null itself.
     if (utf == nullptr) fatal("NewStringUTF with a null text");
@@ -277,19 +256,13 @@ jstring JNICALL envNewStringUTF(JNIEnv *env, const char *utf) {
 }
 
 jobjectArray JNICALL envNewObjectArray(JNIEnv *env, jsize len, jclass clazz, jobject init) {
-    State *s = State::of(env);
-    s->count("NewObjectArray");
+    State *s = State::enter(env, "NewObjectArray");
     const Object *cls = s->resolve(clazz, Kind::kClass, "NewObjectArray");
     if (len < 0) {
         s->pending = "java/lang/NegativeArraySizeException";
         return nullptr;
     }
-    Object *initial = nullptr;
-    if (init != nullptr) {
-        auto *io = static_cast<const Object *>(static_cast<const void *>(init));
-        if (s->live.count(io) == 0) fatal("stale or foreign initial element for NewObjectArray");
-        initial = const_cast<Object *>(io);
-    }
+    Object *initial = s->find(init, "NewObjectArray");
     Object *o = s->make(Kind::kObjectArray);
     o->elementClass = cls->text;
     o->elements.assign(static_cast<std::size_t>(len), initial);
@@ -297,19 +270,14 @@ jobjectArray JNICALL envNewObjectArray(JNIEnv *env, jsize len, jclass clazz, job
 }
 
 void JNICALL envSetObjectArrayElement(JNIEnv *env, jobjectArray array, jsize index, jobject val) {
-    State *s = State::of(env);
-    s->count("SetObjectArrayElement");
+    State *s = State::enter(env, "SetObjectArrayElement");
     Object *o = s->resolve(array, Kind::kObjectArray, "SetObjectArrayElement");
     if (index < 0 || static_cast<std::size_t>(index) >= o->elements.size()) {
         fatal("SetObjectArrayElement index out of range (ArrayIndexOutOfBoundsException)");
     }
-    Object *v = nullptr;
-    if (val != nullptr) {
-        v = static_cast<Object *>(static_cast<void *>(val));
-        if (s->live.count(v) == 0) fatal("stale or foreign element for SetObjectArrayElement");
-        if (o->elementClass == "java/lang/String" && v->kind != Kind::kString) {
-            fatal("SetObjectArrayElement stores a non-string (ArrayStoreException)");
-        }
+    Object *v = s->find(val, "SetObjectArrayElement");
+    if (v != nullptr && o->elementClass == "java/lang/String" && v->kind != Kind::kString) {
+        fatal("SetObjectArrayElement stores a non-string (ArrayStoreException)");
     }
     o->elements[static_cast<std::size_t>(index)] = v;
 }
@@ -320,8 +288,8 @@ FakeJvm::FakeJvm() : state_(std::make_unique<State>()) {
     State &s = *state_;
     Tables &t = s.tables;
     t.owner = &s;
-    fillWithStubs(&t.envTable, false, std::make_index_sequence<kEnvSlots>{});
-    fillWithStubs(&t.vmTable, true, std::make_index_sequence<kVmSlots>{});
+    fillWithStubs<false>(&t.envTable, std::make_index_sequence<kEnvSlots>{});
+    fillWithStubs<true>(&t.vmTable, std::make_index_sequence<kVmSlots>{});
     t.envTable.reserved0 = t.envTable.reserved1 = t.envTable.reserved2 = t.envTable.reserved3 = nullptr;
     t.vmTable.reserved0 = t.vmTable.reserved1 = t.vmTable.reserved2 = nullptr;
 
@@ -361,8 +329,7 @@ void FakeJvm::hideClass(const std::string &className) {
 }
 void FakeJvm::declareMethods(const std::string &className,
                              const std::vector<std::pair<std::string, std::string>> &methods) {
-    auto &set = state_->declared[className];
-    set.insert(methods.begin(), methods.end());
+    state_->declared[className].insert(methods.begin(), methods.end());
 }
 void FakeJvm::failRegistration(const std::string &className) {
     state_->failing.insert(className);
@@ -388,21 +355,16 @@ std::vector<std::uint8_t> FakeJvm::bytes(jbyteArray array) const {
 
 std::optional<std::string> FakeJvm::string(jstring s) const {
     const Object *o = state_->resolve(s, Kind::kString, "FakeJvm::string", true);
-    if (o == nullptr) return std::nullopt;
-    return o->text;
+    return o == nullptr ? std::nullopt : std::optional<std::string>(o->text);
 }
 
 std::vector<std::optional<std::string>> FakeJvm::strings(jobjectArray array) const {
     const Object *o = state_->resolve(array, Kind::kObjectArray, "FakeJvm::strings");
     std::vector<std::optional<std::string>> out;
     for (const Object *e : o->elements) {
-        if (e == nullptr) {
-            out.emplace_back(std::nullopt);
-        } else if (e->kind != Kind::kString) {
+        if (e != nullptr && e->kind != Kind::kString)
             fatal("FakeJvm::strings on an array holding a non-string");
-        } else {
-            out.emplace_back(e->text);
-        }
+        out.push_back(e == nullptr ? std::nullopt : std::optional<std::string>(e->text));
     }
     return out;
 }
@@ -411,10 +373,6 @@ void FakeJvm::reset() {
     state_->live.clear();
     state_->objects.clear();
     state_->pending.clear();
-}
-
-std::size_t FakeJvm::liveObjects() const {
-    return state_->objects.size();
 }
 
 const std::vector<Registration> &FakeJvm::registrations() const {

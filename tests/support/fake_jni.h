@@ -79,9 +79,6 @@ class FakeJvm {
     std::vector<std::optional<std::string>> strings(jobjectArray array) const;
     // Frees every object made so far; earlier references become invalid.
     void reset();
-    // Objects created since construction or the last reset() (local references
-    // a native call would hold).
-    std::size_t liveObjects() const;
 
     // --- what the library did -------------------------------------------------
     const std::vector<Registration> &registrations() const;
