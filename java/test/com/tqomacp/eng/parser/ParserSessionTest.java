@@ -12,7 +12,7 @@ import org.junit.Test;
 /** The parse entry, the release and the seven push header queries. */
 public class ParserSessionTest {
   // Wireshark's sample push: header length 47, content type 0xB6, SEC USERPIN, 40-char MAC.
-  private static final String BANK = "ws-bank-userpin.pdu";
+  private static final byte[] BANK = Corpus.read("ws-bank-userpin.pdu");
   private static final String BANK_MAC = "0BB3BB551F0A93359EC29E6CEAC1440E4A617489";
 
   @Before
@@ -21,63 +21,74 @@ public class ParserSessionTest {
     tqomacp_parser_del();
   }
 
+  /** Content type, header length, body length, MAC length, SEC. */
+  private static int[] header() {
+    return new int[] {tqomacp_GetParserContentType(), tqomacp_GetParserHeaderLen(),
+      tqomacp_GetParserBodyLen(), tqomacp_GetParserMACLen(), tqomacp_GetParserSEC()};
+  }
+
   private static void assertEmptyState() {
-    assertEquals(-1, tqomacp_GetParserContentType());
-    assertEquals(-1, tqomacp_GetParserHeaderLen());
-    assertEquals(-1, tqomacp_GetParserBodyLen());
-    assertEquals(-1, tqomacp_GetParserMACLen());
-    assertEquals(-1, tqomacp_GetParserSEC());
+    assertArrayEquals(new int[] {-1, -1, -1, -1, -1}, header());
     assertNull(tqomacp_GetParserMAC());
     assertNull(tqomacp_GetParserBody());
   }
 
   @Test
-  public void emptyStateBeforeAnyParseAndAfterRelease() {
+  public void emptyStateBeforeAnyParseAfterReleaseAndAfterARefusal() {
     assertEmptyState();
-    assertTrue(tqomacp_parser(Corpus.read(BANK), Corpus.read(BANK).length, MODE_HEADER_ONLY));
+    assertTrue(tqomacp_parser(BANK, BANK.length, MODE_HEADER_ONLY));
     tqomacp_parser_del();
     assertEmptyState();
     tqomacp_parser_del(); // twice in a row is harmless
     assertEmptyState();
+
+    byte[] notPush = BANK.clone();
+    notPush[1] = 0x07;
+    assertFalse(tqomacp_parser(notPush, notPush.length, MODE_FULL));
+    assertEmptyState();
+    assertFalse(tqomacp_parser(null, 10, MODE_FULL));
+    assertEmptyState();
+    byte[] unknownType = Wbxml.bytes(0x01, 0x06, 0x01, 0xB7, 0x03);
+    assertFalse(tqomacp_parser(unknownType, unknownType.length, MODE_HEADER_ONLY));
+    assertEmptyState();
   }
 
   @Test
-  public void headerOnlyModeFillsTheHeaderQueries() {
-    byte[] pdu = Corpus.read(BANK);
-    assertTrue(tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY));
-    assertEquals(0x36, tqomacp_GetParserContentType());
-    assertEquals(47, tqomacp_GetParserHeaderLen());
-    assertEquals(pdu.length - 50, tqomacp_GetParserBodyLen());
-    assertEquals(40, tqomacp_GetParserMACLen());
-    assertEquals(0x81, tqomacp_GetParserSEC());
+  public void headerOnlyModeFillsTheHeaderQueriesAndHonoursLen() {
+    assertTrue(tqomacp_parser(BANK, BANK.length, MODE_HEADER_ONLY));
+    assertArrayEquals(new int[] {0x36, 47, BANK.length - 50, 40, 0x81}, header());
     assertArrayEquals(BANK_MAC.getBytes(StandardCharsets.US_ASCII), tqomacp_GetParserMAC());
-    assertArrayEquals(Arrays.copyOfRange(pdu, 50, pdu.length), tqomacp_GetParserBody());
+    assertArrayEquals(Arrays.copyOfRange(BANK, 50, BANK.length), tqomacp_GetParserBody());
     // No body decoding: no context.
     assertEquals(0, XCPCtxPxLogical.tqomacp_GetPxLogicalCount());
     assertEquals(0, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
+
+    // A smaller len is honoured, a larger or negative one cut to the array.
+    tqomacp_parser_del();
+    assertTrue(tqomacp_parser(BANK, BANK.length - 10, MODE_HEADER_ONLY));
+    assertEquals(BANK.length - 60, tqomacp_GetParserBodyLen());
+    assertArrayEquals(Arrays.copyOfRange(BANK, 50, BANK.length - 10), tqomacp_GetParserBody());
+    for (long len : new long[] {BANK.length + 1L, 1L << 40, -1L, Long.MIN_VALUE}) {
+      tqomacp_parser_del();
+      assertTrue("len " + len, tqomacp_parser(BANK, len, MODE_HEADER_ONLY));
+      assertEquals("len " + len, BANK.length - 50, tqomacp_GetParserBodyLen());
+      assertArrayEquals(Arrays.copyOfRange(BANK, 50, BANK.length), tqomacp_GetParserBody());
+    }
   }
 
   @Test
-  public void headerOnlyModeLeavesAnEarlierContextInPlace() {
-    byte[] bank = Corpus.read(BANK);
-    assertTrue(tqomacp_parser(bank, bank.length, MODE_FULL));
+  public void fullParsePublishesTheContextAndHeaderOnlyLeavesItInPlace() {
+    assertTrue(tqomacp_parser(BANK, BANK.length, MODE_FULL));
+    assertEquals(47, tqomacp_GetParserHeaderLen());
+    assertEquals(1, XCPCtxPxLogical.tqomacp_GetPxLogicalCount());
     assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
     byte[] other = Wbxml.pdu(Wbxml.doc(), "MAC1");
     assertTrue(tqomacp_parser(other, other.length, MODE_HEADER_ONLY));
     assertEquals(4, tqomacp_GetParserMACLen());
     assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
-  }
-
-  @Test
-  public void fullParsePublishesTheContext() {
-    byte[] pdu = Corpus.read(BANK);
-    assertTrue(tqomacp_parser(pdu, pdu.length, MODE_FULL));
-    assertEquals(47, tqomacp_GetParserHeaderLen());
-    assertEquals(1, XCPCtxPxLogical.tqomacp_GetPxLogicalCount());
-    assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
     // Any mode other than 1 decodes the body.
     tqomacp_parser_del();
-    assertTrue(tqomacp_parser(pdu, pdu.length, 7));
+    assertTrue(tqomacp_parser(BANK, BANK.length, 7));
     assertEquals(1, XCPCtxNapDef.tqomacp_GetPxNapDefCount());
   }
 
@@ -99,39 +110,8 @@ public class ParserSessionTest {
     byte[] body = Wbxml.doc();
     byte[] pdu = Wbxml.cat(Wbxml.bytes(0x01, 0x06, 0x03, 0xB6, 0x91, 0x80), body);
     assertTrue(tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY));
-    assertEquals(0x36, tqomacp_GetParserContentType());
-    assertEquals(3, tqomacp_GetParserHeaderLen());
-    assertEquals(0x80, tqomacp_GetParserSEC());
-    assertEquals(0, tqomacp_GetParserMACLen());
+    assertArrayEquals(new int[] {0x36, 3, body.length, 0, 0x80}, header());
     assertArrayEquals(new byte[0], tqomacp_GetParserMAC());
     assertArrayEquals(body, tqomacp_GetParserBody());
-  }
-
-  @Test
-  public void refusedPdusAnswerAsEmpty() {
-    byte[] pdu = Corpus.read(BANK);
-    byte[] notPush = pdu.clone();
-    notPush[1] = 0x07;
-    assertFalse(tqomacp_parser(notPush, notPush.length, MODE_FULL));
-    assertEmptyState();
-    assertFalse(tqomacp_parser(null, 10, MODE_FULL));
-    assertEmptyState();
-    byte[] unknownType = Wbxml.bytes(0x01, 0x06, 0x01, 0xB7, 0x03);
-    assertFalse(tqomacp_parser(unknownType, unknownType.length, MODE_HEADER_ONLY));
-    assertEmptyState();
-  }
-
-  @Test
-  public void lenIsHonouredWhenSmallerAndCutWhenLarger() {
-    byte[] pdu = Corpus.read(BANK);
-    assertTrue(tqomacp_parser(pdu, pdu.length - 10, MODE_HEADER_ONLY));
-    assertEquals(pdu.length - 60, tqomacp_GetParserBodyLen());
-    assertArrayEquals(Arrays.copyOfRange(pdu, 50, pdu.length - 10), tqomacp_GetParserBody());
-    for (long len : new long[] {pdu.length + 1L, 1L << 40, -1L, Long.MIN_VALUE}) {
-      tqomacp_parser_del();
-      assertTrue("len " + len, tqomacp_parser(pdu, len, MODE_HEADER_ONLY));
-      assertEquals("len " + len, pdu.length - 50, tqomacp_GetParserBodyLen());
-      assertArrayEquals(Arrays.copyOfRange(pdu, 50, pdu.length), tqomacp_GetParserBody());
-    }
   }
 }

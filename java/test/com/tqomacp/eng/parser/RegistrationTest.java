@@ -2,7 +2,7 @@ package com.tqomacp.eng.parser;
 
 import static org.junit.Assert.*;
 
-import java.io.ByteArrayOutputStream;
+import java.io.File;
 import java.io.IOException;
 import java.io.InputStream;
 import java.lang.reflect.Method;
@@ -30,17 +30,9 @@ import org.junit.Test;
  */
 public class RegistrationTest {
   private static final String PACKAGE = "com.tqomacp.eng.parser.";
-  private static final List<String> ORDER =
-      Arrays.asList(
-          "XCPCtxParser",
-          "XCPCtxPxLogical",
-          "XCPCtxNapDef",
-          "XCPCtxBootstrap",
-          "XCPCtxClientIdentity",
-          "XCPCtxVendorConfig",
-          "XCPCtxApplication",
-          "XCPCtxAccess",
-          "XCPCtxWifi");
+  private static final List<String> ORDER = Arrays.asList("XCPCtxParser", "XCPCtxPxLogical",
+      "XCPCtxNapDef", "XCPCtxBootstrap", "XCPCtxClientIdentity", "XCPCtxVendorConfig",
+      "XCPCtxApplication", "XCPCtxAccess", "XCPCtxWifi");
   private static final Pattern REGISTERING =
       Pattern.compile("\\[Registering JNI native method com\\.tqomacp\\.eng\\.parser\\.(\\w+)\\.(\\w+)\\]");
 
@@ -54,31 +46,20 @@ public class RegistrationTest {
 
   private static Run runProbe(String classPath) throws IOException, InterruptedException {
     String java = Paths.get(System.getProperty("java.home"), "bin", "java").toString();
-    ProcessBuilder builder =
-        new ProcessBuilder(
-            java,
-            "-Xlog:jni+resolve=debug",
-            "-Djava.library.path=" + System.getProperty("java.library.path"),
-            "-cp",
-            classPath,
-            RegistrationProbe.class.getName());
+    ProcessBuilder builder = new ProcessBuilder(java, "-Xlog:jni+resolve=debug",
+        "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp", classPath,
+        RegistrationProbe.class.getName());
     builder.redirectErrorStream(true);
     Process process = builder.start();
-    byte[] output;
+    String output;
     try (InputStream in = process.getInputStream()) {
-      ByteArrayOutputStream buffer = new ByteArrayOutputStream();
-      in.transferTo(buffer);
-      output = buffer.toByteArray();
+      output = new String(in.readAllBytes(), StandardCharsets.UTF_8);
     }
     assertTrue("child JVM finished", process.waitFor(60, TimeUnit.SECONDS));
     Run run = new Run();
-    for (String line : new String(output, StandardCharsets.UTF_8).split("\n")) {
-      if (line.startsWith("LOAD ")) {
-        run.load = line;
-      }
-      if (line.startsWith("LOADED ")) {
-        run.loaded = line;
-      }
+    for (String line : output.split("\n")) {
+      run.load = line.startsWith("LOAD ") ? line : run.load;
+      run.loaded = line.startsWith("LOADED ") ? line : run.loaded;
       Matcher m = REGISTERING.matcher(line);
       if (m.find()) {
         if (!run.registered.containsKey(m.group(1))) {
@@ -108,9 +89,7 @@ public class RegistrationTest {
 
   @Test
   public void loadRegistersAll85NativesInClassOrder() throws Exception {
-    Run run =
-        runProbe(
-            System.getProperty("tqomacp.classes") + java.io.File.pathSeparator + testClasses());
+    Run run = runProbe(System.getProperty("tqomacp.classes") + File.pathSeparator + testClasses());
     assertEquals("LOAD OK", run.load);
     assertEquals("LOADED true", run.loaded);
     assertEquals(ORDER, run.classOrder);
@@ -143,7 +122,7 @@ public class RegistrationTest {
       assertFalse(Files.exists(partial.resolve("com/tqomacp/eng/parser/XCPCtxAccess.class")));
       assertTrue(Files.exists(partial.resolve("com/tqomacp/eng/parser/XCPCtxWifi.class")));
 
-      Run run = runProbe(partial + java.io.File.pathSeparator + testClasses());
+      Run run = runProbe(partial + File.pathSeparator + testClasses());
       // FindClass's NoClassDefFoundError stays pending and fails the load.
       assertEquals(
           "LOAD FAILED java.lang.NoClassDefFoundError: com/tqomacp/eng/parser/XCPCtxAccess", run.load);

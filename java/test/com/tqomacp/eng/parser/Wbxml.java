@@ -8,94 +8,29 @@ import java.nio.charset.StandardCharsets;
  * PDUs around them, from named tokens.
  */
 final class Wbxml {
-  // Characteristic types: page 0, and page 1 where noted.
-  static final int PXLOGICAL = 0x51;
-  static final int PXPHYSICAL = 0x52;
-  static final int PORT = 0x53;
-  static final int VALIDITY = 0x54;
-  static final int NAPDEF = 0x55;
-  static final int APPLICATION = 0x55; // page 1
-  static final int BOOTSTRAP = 0x56;
-  static final int APPADDR = 0x56; // page 1
-  static final int VENDORCONFIG = 0x57;
-  static final int APPAUTH = 0x57; // page 1
-  static final int CLIENTIDENTITY = 0x58;
-  static final int PXAUTHINFO = 0x59;
-  static final int RESOURCE = 0x59; // page 1
-  static final int NAPAUTHINFO = 0x5A;
-  static final int ACCESS = 0x5B;
+  // Characteristic types on code page 0, and those read on page 1.
+  static final int PXLOGICAL = 0x51, PXPHYSICAL = 0x52, PORT = 0x53, VALIDITY = 0x54, NAPDEF = 0x55,
+      BOOTSTRAP = 0x56, VENDORCONFIG = 0x57, CLIENTIDENTITY = 0x58, PXAUTHINFO = 0x59,
+      NAPAUTHINFO = 0x5A, ACCESS = 0x5B;
+  static final int APPLICATION = 0x55, APPADDR = 0x56, APPAUTH = 0x57, RESOURCE = 0x59;
 
   // Parm names (the handlers ignore the page).
-  static final int NAME = 0x07;
-  static final int NAP_ADDRESS = 0x08;
-  static final int NAP_ADDRTYPE = 0x09;
-  static final int CALLTYPE = 0x0A;
-  static final int VALIDUNTIL = 0x0B;
-  static final int AUTHTYPE = 0x0C;
-  static final int AUTHNAME = 0x0D;
-  static final int AUTHSECRET = 0x0E;
-  static final int LINGER = 0x0F;
-  static final int BEARER = 0x10;
-  static final int NAPID = 0x11;
-  static final int COUNTRY = 0x12;
-  static final int NETWORK = 0x13;
-  static final int INTERNET = 0x14;
-  static final int PROXY_ID = 0x15;
-  static final int PROXY_PROVIDER_ID = 0x16;
-  static final int DOMAIN = 0x17;
-  static final int PROVURL = 0x18;
-  static final int PXAUTH_TYPE = 0x19;
-  static final int PXAUTH_ID = 0x1A;
-  static final int PXAUTH_PW = 0x1B;
-  static final int STARTPAGE = 0x1C;
-  static final int PUSHENABLED = 0x1F;
-  static final int PXADDR = 0x20;
-  static final int PXADDRTYPE = 0x21;
-  static final int TO_NAPID = 0x22;
-  static final int PORTNBR = 0x23;
-  static final int SERVICE = 0x24;
-  static final int LINKSPEED = 0x25;
-  static final int DNLINKSPEED = 0x26;
-  static final int LOCAL_ADDR = 0x27;
-  static final int LOCAL_ADDRTYPE = 0x28;
-  static final int CONTEXT_ALLOW = 0x29;
-  static final int TRUST = 0x2A;
-  static final int MASTER = 0x2B;
-  static final int SID = 0x2C;
-  static final int SOC = 0x2D;
-  static final int WSP_VERSION = 0x2E;
-  static final int AACCEPT = 0x2E;
-  static final int PHYSICAL_PROXY_ID = 0x2F;
-  static final int AAUTHDATA = 0x2F;
-  static final int AAUTHLEVEL = 0x30;
-  static final int CLIENT_ID = 0x30;
-  static final int DELIVERY_ERR_SDU = 0x31;
-  static final int AAUTHNAME = 0x31;
-  static final int DELIVERY_ORDER = 0x32;
-  static final int AAUTHSECRET = 0x32;
-  static final int TRAFFIC_CLASS = 0x33;
-  static final int AAUTHTYPE = 0x33;
-  static final int MAX_SDU_SIZE = 0x34;
-  static final int ADDR = 0x34;
-  static final int MAX_BITRATE_UPLINK = 0x35;
-  static final int ADDRTYPE = 0x35;
-  static final int MAX_BITRATE_DNLINK = 0x36;
-  static final int APPID = 0x36;
-  static final int APROTOCOL = 0x37;
-  static final int PROVIDER_ID = 0x38;
-  static final int TO_PROXY = 0x39;
-  static final int URI = 0x3A;
-  static final int RULE = 0x3B;
-  static final int PXADDR_FQDN = 0x3D;
-  static final int PROXY_PW = 0x3E;
-  static final int PPGAUTH_TYPE = 0x3F;
-  static final int PULLENABLED = 0x47;
-  static final int DNS_ADDR = 0x48;
-  static final int MAX_NUM_RETRY = 0x49;
-  static final int FIRST_RETRY_TIMEOUT = 0x4A;
-  static final int REREG_THRESHOLD = 0x4B;
-  static final int T_BIT = 0x4C;
-  static final int AUTH_ENTITY = 0x4E;
+  static final int NAME = 0x07, NAP_ADDRESS = 0x08, NAP_ADDRTYPE = 0x09, CALLTYPE = 0x0A, VALIDUNTIL = 0x0B,
+      AUTHTYPE = 0x0C, AUTHNAME = 0x0D, AUTHSECRET = 0x0E, LINGER = 0x0F, BEARER = 0x10,
+      NAPID = 0x11, COUNTRY = 0x12, NETWORK = 0x13, INTERNET = 0x14, PROXY_ID = 0x15,
+      PROXY_PROVIDER_ID = 0x16, DOMAIN = 0x17, PROVURL = 0x18, PXAUTH_TYPE = 0x19, PXAUTH_ID = 0x1A,
+      PXAUTH_PW = 0x1B, STARTPAGE = 0x1C, PUSHENABLED = 0x1F, PXADDR = 0x20, PXADDRTYPE = 0x21,
+      TO_NAPID = 0x22, PORTNBR = 0x23, SERVICE = 0x24, LINKSPEED = 0x25, DNLINKSPEED = 0x26,
+      LOCAL_ADDR = 0x27, LOCAL_ADDRTYPE = 0x28, CONTEXT_ALLOW = 0x29, TRUST = 0x2A, MASTER = 0x2B,
+      SID = 0x2C, SOC = 0x2D, WSP_VERSION = 0x2E, AACCEPT = 0x2E, PHYSICAL_PROXY_ID = 0x2F,
+      AAUTHDATA = 0x2F, AAUTHLEVEL = 0x30, CLIENT_ID = 0x30, DELIVERY_ERR_SDU = 0x31,
+      AAUTHNAME = 0x31, DELIVERY_ORDER = 0x32, AAUTHSECRET = 0x32, TRAFFIC_CLASS = 0x33,
+      AAUTHTYPE = 0x33, MAX_SDU_SIZE = 0x34, ADDR = 0x34, MAX_BITRATE_UPLINK = 0x35,
+      ADDRTYPE = 0x35, MAX_BITRATE_DNLINK = 0x36, APPID = 0x36, APROTOCOL = 0x37,
+      PROVIDER_ID = 0x38, TO_PROXY = 0x39, URI = 0x3A, RULE = 0x3B, PXADDR_FQDN = 0x3D,
+      PROXY_PW = 0x3E, PPGAUTH_TYPE = 0x3F, PULLENABLED = 0x47, DNS_ADDR = 0x48,
+      MAX_NUM_RETRY = 0x49, FIRST_RETRY_TIMEOUT = 0x4A, REREG_THRESHOLD = 0x4B, T_BIT = 0x4C,
+      AUTH_ENTITY = 0x4E;
 
   private Wbxml() {}
 
