@@ -51,12 +51,6 @@ struct Result {
     int exit = -1;   // exit status, or -1 when the process did not exit normally
     int signal = 0;  // the signal that ended it
     std::string out, err;
-
-    int ErrLines() const {
-        int n = 0;
-        for (char c : err) n += c == '\n';
-        return n;
-    }
 };
 
 class Scratch {
@@ -120,10 +114,6 @@ std::string Argument(const std::string &a) {
     if (a.rfind("--", 0) == 0) return a;
     if (a.rfind("inputs/", 0) == 0) return (kInputs / a.substr(7)).string();
     return Corpus(a);
-}
-
-TEST(CorpusIsThere, SamplesCanBeRead) {
-    ASSERT_TRUE(fs::exists(kCorpus / "SOURCES.md")) << "corpus expected at " << kCorpus;
 }
 
 // ---- Golden outputs --------------------------------------------------------
@@ -203,7 +193,7 @@ TEST(Options, HelpAndVersion) {
     r = RunCpdump({"--version"});
     EXPECT_EQ(r.exit, 0);
     EXPECT_EQ(r.out.rfind("cpdump ", 0), 0u);
-    EXPECT_EQ(r.ErrLines(), 0);
+    EXPECT_EQ(r.err, "");
 }
 
 TEST(Options, UsageAndFileErrorsExitWithTwo) {
@@ -227,15 +217,6 @@ TEST(Options, UsageAndFileErrorsExitWithTwo) {
     EXPECT_NE(odd.err.find("odd number of hex digits"), std::string::npos) << odd.err;
 }
 
-TEST(Options, StandardInputGivesTheSameOutputAsTheFile) {
-    const std::string file = Corpus("vn-vinaphone-vtv.pdu");
-    const Result from_file = RunCpdump({file});
-    const Result from_stdin = RunCpdump({"-"}, ReadBytes(file));
-    ASSERT_EQ(from_file.exit, 0) << from_file.err;
-    EXPECT_EQ(from_stdin.exit, 0);
-    EXPECT_EQ(from_stdin.out, from_file.out);
-}
-
 TEST(Options, TraceGoesToStandardErrorAndLeavesTheOutputAlone) {
     const std::string file = Corpus("ws-bank-userpin.pdu");
     const Result plain = RunCpdump({file});
@@ -245,7 +226,7 @@ TEST(Options, TraceGoesToStandardErrorAndLeavesTheOutputAlone) {
     EXPECT_NE(traced.err.find("tqsClinetProvWbxmlDecoderMain"), std::string::npos);
     EXPECT_NE(traced.err.find("[Syncml] "), std::string::npos);
     EXPECT_NE(traced.err.find("Success"), std::string::npos);
-    EXPECT_GT(traced.ErrLines(), 100);
+    EXPECT_GT(std::count(traced.err.begin(), traced.err.end(), '\n'), 100);
 }
 
 TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
@@ -309,12 +290,14 @@ std::string ToHex(const Bytes &bytes, const char *prefix, const char *separator,
     return out;
 }
 
+// Standard input, binary or hex in any spelling, gives the same output as the binary file.
 TEST(HexInput, GivesTheSameOutputAsBinary) {
     Scratch scratch;
     for (const char *sample : {"ws-bank-userpin.pdu", "pdus/own/identity-vendor-access.mac.pdu"}) {
         const Bytes pdu = ReadBytes(kCorpus / sample);
         const Result binary = RunCpdump({Corpus(sample)});
         ASSERT_EQ(binary.exit, 0) << sample;
+        EXPECT_EQ(RunCpdump({"-"}, pdu).out, binary.out);
         const std::string spellings[] = {ToHex(pdu, "", "", 0), ToHex(pdu, "", " ", 16),
                                          ToHex(pdu, "", ":", 0), ToHex(pdu, "0x", " ", 8),
                                          "0x" + ToHex(pdu, "", "", 32)};
@@ -396,19 +379,6 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
 
 // ---- Damaged pushes --------------------------------------------------------
 
-// Deterministic damage: every run sees the same inputs.
-class Lcg {
-   public:
-    explicit Lcg(std::uint32_t seed) : state_(seed) {}
-    std::uint32_t Next() {
-        state_ = state_ * 1664525u + 1013904223u;
-        return state_ >> 8;
-    }
-
-   private:
-    std::uint32_t state_;
-};
-
 TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
     const char *seeds[] = {"ws-bank-userpin.pdu",        "ph-smart-mms-netwpin.pdu",
                            "pdus/own/wifi-roaming.pdu",  "pdus/own/identity-vendor-access.mac.pdu",
@@ -422,7 +392,8 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
         {{"-"}, false},          {{"--body", "-"}, true},         {{"-"}, false},
         {{"--xml", "-"}, false}, {{"--header-only", "-"}, false}, {{"--leaks", "--xml", "--body", "-"}, true},
     };
-    Lcg rng(20261121);
+    std::uint32_t state = 20261121;  // deterministic damage: every run sees the same inputs
+    auto next = [&state] { return (state = state * 1664525u + 1013904223u) >> 8; };
     int runs = 0, decoded = 0;
     for (const char *seed : seeds) {
         const Bytes pdu = ReadBytes(kCorpus / seed);
@@ -433,13 +404,13 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
             const std::size_t size = damaged.size();
             std::string how;
             if (k % 4 == 0) {
-                damaged.resize(rng.Next() % size);
+                damaged.resize(next() % size);
                 how = "cut to " + std::to_string(damaged.size());
             } else {
-                const int flips = 1 + static_cast<int>(rng.Next() % 4);
+                const int flips = 1 + static_cast<int>(next() % 4);
                 for (int f = 0; f < flips; ++f) {
-                    const std::size_t at = rng.Next() % size;
-                    damaged[at] ^= static_cast<unsigned char>(1 + rng.Next() % 255);
+                    const std::size_t at = next() % size;
+                    damaged[at] ^= static_cast<unsigned char>(1 + next() % 255);
                     how += " flip@" + std::to_string(at);
                 }
             }
