@@ -189,21 +189,15 @@ TEST_F(CtxTest, TopLevelCharacteristicsLandInTheirChainsInDocumentOrder) {
     second->ptNapDef = With(&tqsWapNapDef::pszNapId, "NAP2");
     auto *acc = New<tqsWapAccess>();
     acc->ptRuleList = StrList({"r"});
-    tqsWapDoc doc{ListOf({
-        Char(&C::ptPxLogical, px1),
-        Port("80"),
-        Char(&C::ptClientIdentity, id1),
-        Char(&C::ptWifi, With(&tqsWapWifi::pszNetSsid, "ssid")),
-        Char(&C::ptNapDef, With(&tqsWapNapDef::pszNapId, "NAP1")),
-        Char(&C::ptRoaming, New<tqsWapRoaming>()),
-        Char(&C::ptApplication, With(&tqsWapApplication::pszAppId, "w2")),
-        second,
-        Char(&C::ptPxPhysical, New<tqsWapPxPhysical>()),
-        Char(&C::ptBootstrap, With(&tqsWapBootstrap::pszName, "BOOT")),
-        Char(&C::ptAccess, acc),
-        Char(&C::ptVendorConfig, With(&tqsWapVendorConfig::pszName, "V")),
-        Char(&C::ptPxLogical, With(&tqsWapPxLogical::pszProxyId, "PX2")),
-    })};
+    tqsWapDoc doc{ListOf(
+        {Char(&C::ptPxLogical, px1), Port("80"), Char(&C::ptClientIdentity, id1),
+         Char(&C::ptWifi, With(&tqsWapWifi::pszNetSsid, "ssid")),
+         Char(&C::ptNapDef, With(&tqsWapNapDef::pszNapId, "NAP1")), Char(&C::ptRoaming, New<tqsWapRoaming>()),
+         Char(&C::ptApplication, With(&tqsWapApplication::pszAppId, "w2")), second,
+         Char(&C::ptPxPhysical, New<tqsWapPxPhysical>()),
+         Char(&C::ptBootstrap, With(&tqsWapBootstrap::pszName, "BOOT")), Char(&C::ptAccess, acc),
+         Char(&C::ptVendorConfig, With(&tqsWapVendorConfig::pszName, "V")),
+         Char(&C::ptPxLogical, With(&tqsWapPxLogical::pszProxyId, "PX2"))})};
     TraceCapture trace;
     tqsClientProvCtx *ctx = tqsClientProvCtxMakeContext(&doc);
     ASSERT_NE(ctx, nullptr);
@@ -381,21 +375,13 @@ TEST_F(CtxTest, NapAuthInfoTracesFirstAuthEntityOrNullForAnEmptyList) {
 // ==== string lists ===========================================================================
 
 TEST_F(CtxTest, EveryListKindCopiesInOrderAndReleasesEverything) {
+#define LIST(Kind) \
+    std::pair(&tqsClientProvCtxVerifyContext##Kind##List, &tqsClientProvCtxDelectContext##Kind##List)
     const std::pair<tqsCtxStrNode *(*)(TqsList *), void (*)(tqsCtxStrNode *)> kinds[] = {
-        {tqsClientProvCtxVerifyContextToAddrList, tqsClientProvCtxDelectContextToAddrList},
-        {tqsClientProvCtxVerifyContextToProxyList, tqsClientProvCtxDelectContextToProxyList},
-        {tqsClientProvCtxVerifyContextPortNbrList, tqsClientProvCtxDelectContextPortNbrList},
-        {tqsClientProvCtxVerifyContextAppIdList, tqsClientProvCtxDelectContextAppIdList},
-        {tqsClientProvCtxVerifyContextRuleList, tqsClientProvCtxDelectContextRuleList},
-        {tqsClientProvCtxVerifyContextNetworkList, tqsClientProvCtxDelectContextNetworkList},
-        {tqsClientProvCtxVerifyContextProxyIdList, tqsClientProvCtxDelectContextProxyIdList},
-        {tqsClientProvCtxVerifyContextAuthEntityList, tqsClientProvCtxDelectContextAuthEntityList},
-        {tqsClientProvCtxVerifyContextBearerList, tqsClientProvCtxDelectContextBearerList},
-        {tqsClientProvCtxVerifyContextDnsAddrList, tqsClientProvCtxDelectContextDnsAddrList},
-        {tqsClientProvCtxVerifyContextToNapIdList, tqsClientProvCtxDelectContextToNapIdList},
-        {tqsClientProvCtxVerifyContextServiceList, tqsClientProvCtxDelectContextServiceList},
-        {tqsClientProvCtxVerifyContextDomainList, tqsClientProvCtxDelectContextDomainList},
-    };
+        LIST(ToAddr),  LIST(ToProxy), LIST(PortNbr),    LIST(AppId),  LIST(Rule),
+        LIST(Network), LIST(ProxyId), LIST(AuthEntity), LIST(Bearer), LIST(DnsAddr),
+        LIST(ToNapId), LIST(Service), LIST(Domain)};
+#undef LIST
     TqsList *list = StrList({"one", "two", "three"});
     const size_t before = check.Live().size();
     for (auto [convert, release] : kinds) {
@@ -448,16 +434,18 @@ TEST_F(CtxTest, DistributorsAcceptOnlyTheirChildSlots) {
         // slot -> chain field index in the parent, field count of the child record (ptNext last)
         std::vector<std::tuple<Slot, size_t, size_t>> accepted;
     };
-#define DIST(Fn, Parent) \
-#Fn, [](TqsList * l, void *p) { return Fn(l, static_cast<Parent *>(p)); }, sizeof(Parent)
+#define DIST(Kind, Parent)                                                             \
+    "tqsClientProvCtxVerifyCharacter" #Kind,                                           \
+        [](TqsList *l, void *p) {                                                      \
+            return tqsClientProvCtxVerifyCharacter##Kind(l, static_cast<Parent *>(p)); \
+        },                                                                             \
+        sizeof(Parent)
     const Case cases[] = {
-        {DIST(tqsClientProvCtxVerifyCharacterPxLogical, tqsCtxPxLogical),
-         {{1, 14, 4}, {3, 16, 11}, {2, 15, 3}}},
-        {DIST(tqsClientProvCtxVerifyCharacterPxPhysical, tqsCtxPxPhysical), {{2, 9, 3}}},
-        {DIST(tqsClientProvCtxVerifyCharacterAppAddr, tqsCtxAppAddr), {{2, 2, 3}}},
-        {DIST(tqsClientProvCtxVerifyCharacterNapDef, tqsCtxNapDef), {{5, 30, 6}, {6, 31, 6}}},
-        {DIST(tqsClientProvCtxVerifyCharacterApplication, tqsCtxApplication),
-         {{15, 18, 3}, {7, 15, 4}, {9, 16, 6}, {8, 17, 9}}},
+        {DIST(PxLogical, tqsCtxPxLogical), {{1, 14, 4}, {3, 16, 11}, {2, 15, 3}}},
+        {DIST(PxPhysical, tqsCtxPxPhysical), {{2, 9, 3}}},
+        {DIST(AppAddr, tqsCtxAppAddr), {{2, 2, 3}}},
+        {DIST(NapDef, tqsCtxNapDef), {{5, 30, 6}, {6, 31, 6}}},
+        {DIST(Application, tqsCtxApplication), {{15, 18, 3}, {7, 15, 4}, {9, 16, 6}, {8, 17, 9}}},
     };
 #undef DIST
     // Minimal tree records for every slot (zero-filled, big enough for any record).
@@ -702,23 +690,8 @@ TEST_F(CtxTest, EachFailedAllocationLeavesAConsistentContext) {
 
 // ==== long chains on a small stack ========================================================================
 
-struct LongRun {
-    std::vector<uint8_t> body;
-    Texts napIds;
-};
-
-void *RunLong(void *arg) {
-    auto *run = static_cast<LongRun *>(arg);
-    tqsClientProvCtx *ctx = Decode(run->body);
-    if (ctx == nullptr) return nullptr;
-    run->napIds = Names(ctx->ptNapDef, &tqsCtxNapDef::pszNapId);
-    tqsClientProvCtxDelectContext(ctx);
-    return nullptr;
-}
-
 TEST(CtxLongChain, TenThousandNapdefsOnA256KStack) {
     constexpr int kCount = 10000;
-    LongRun run;
     Builder b;
     b.Doc();
     for (int i = 0; i < kCount; ++i) {
@@ -728,18 +701,25 @@ TEST(CtxLongChain, TenThousandNapdefsOnA256KStack) {
         b.End();
     }
     b.End();
-    run.body = b.Build();
-
+    // The body going in, the NAPDEF ids coming out.
+    std::pair<std::vector<uint8_t>, Texts> run{b.Build(), {}};
+    auto decode = [](void *arg) -> void * {
+        auto *r = static_cast<decltype(run) *>(arg);
+        tqsClientProvCtx *ctx = Decode(r->first);
+        if (ctx != nullptr) r->second = Names(ctx->ptNapDef, &tqsCtxNapDef::pszNapId);
+        tqsClientProvCtxDelectContext(ctx);
+        return nullptr;
+    };
     pthread_attr_t attr;
     ASSERT_EQ(pthread_attr_init(&attr), 0);
     ASSERT_EQ(pthread_attr_setstacksize(&attr, 256 * 1024), 0);
     pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &attr, RunLong, &run), 0);
+    ASSERT_EQ(pthread_create(&thread, &attr, decode, &run), 0);
     ASSERT_EQ(pthread_join(thread, nullptr), 0);
     pthread_attr_destroy(&attr);
-    ASSERT_EQ(run.napIds.size(), size_t(kCount));
-    EXPECT_EQ(run.napIds.front(), "N0");
-    EXPECT_EQ(run.napIds.back(), "N" + std::to_string(kCount - 1));
+    ASSERT_EQ(run.second.size(), size_t(kCount));
+    EXPECT_EQ(run.second.front(), "N0");
+    EXPECT_EQ(run.second.back(), "N" + std::to_string(kCount - 1));
 }
 
 }  // namespace
