@@ -220,29 +220,15 @@ TEST_F(CtxTest, TopLevelCharacteristicsLandInTheirChainsInDocumentOrder) {
     tqsClientProvCtxDelectContext(ctx);
 }
 
-// Real messages through the decoder main: nesting lands in the typed child chains.
+// Real messages through the decoder main: nesting lands in the typed child
+// chains (the cpdump goldens show whole contexts of further samples).
 TEST_F(CtxTest, CorpusSamplesConvertWithTheirNesting) {
     TraceCapture trace;
-    tqsClientProvCtx *ctx = DecodeSample("gaia-tef-movistar.wbxml");
+    tqsClientProvCtx *ctx = DecodeSample("cpc-email.wbxml");
     ASSERT_NE(ctx, nullptr);
     EXPECT_EQ(trace.lines().front(), "tqsClinetProvWbxmlDecoderMain\n");
     EXPECT_TRUE(trace.Contains("Success")) << trace.Joined();
     EXPECT_FALSE(trace.Contains("ERROR : tqsClinetProvWbxmlDecoderMain")) << trace.Joined();
-    const tqsCtxPxLogical *px = ctx->ptPxLogical;
-    ASSERT_EQ(Names(px, &tqsCtxPxLogical::pszProxyId), Texts{"10.138.255.133"});
-    EXPECT_EQ(Names(px->ptPort, &tqsCtxPort::pszPortNbr), Texts{"8080"});  // PORT directly under PXLOGICAL
-    ASSERT_EQ(ChainLength(px->ptPxPhysical), 1u);
-    EXPECT_EQ(Strings(px->ptPxPhysical->ptToNapId), Texts{"NAP1"});
-    ASSERT_EQ(ChainLength(px->ptPxPhysical->ptPort), 1u);
-    EXPECT_EQ(ChainLength(px->ptPxPhysical->ptPort->ptService), 1u);
-    ASSERT_EQ(ChainLength(ctx->ptNapDef), 1u);
-    EXPECT_EQ(Names(ctx->ptNapDef->ptNapAuthInfo, &tqsCtxNapAuthInfo::pszAuthName), Texts{"telefonica"});
-    ASSERT_EQ(ChainLength(ctx->ptApplication), 1u);
-    EXPECT_EQ(Strings(ctx->ptApplication->ptToProxy), Texts{"10.138.255.133"});
-    tqsClientProvCtxDelectContext(ctx);
-
-    ctx = DecodeSample("cpc-email.wbxml");
-    ASSERT_NE(ctx, nullptr);
     ASSERT_EQ(Names(ctx->ptApplication, &tqsCtxApplication::pszAppId), (Texts{"110", "25"}));
     const tqsCtxApplication *smtp = ctx->ptApplication->ptNext;
     EXPECT_STREQ(smtp->pszFrom, "user@localhost");

@@ -320,6 +320,7 @@ Bytes Push(const Bytes &body) {
     return pdu;
 }
 
+// The header reasons themselves are pinned in the unit test.
 TEST(Rejection, EveryReasonIsOneLineInWords) {
     struct Case {
         const char *what;
@@ -327,17 +328,10 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
         Bytes in;
         const char *line;
     } cases[] = {
-        {"PDU type", {"-"}, {0x01, 0x07, 0x03, 0xB6, 0x91, 0x80}, "not a WSP push PDU (PDU type 0x07)"},
-        {"too short", {"-"}, {0x01}, "not a WSP push PDU (too short: 1 byte)"},
-        {"content type token", {"-"}, {0x01, 0x06, 0x03, 0xB3, 0x91, 0x80}, "unknown content type (0xB3)"},
         {"content type text",
          {Corpus("negative/vn-mobifone-nokia-ota.pdu")},
          {},
          "unknown content type (\"application/x-wap-prov.browser-settings\")"},
-        {"header longer than the PDU",
-         {"-"},
-         {0x01, 0x06, 0x2F, 0xB6},
-         "truncated push header (header length 47, but only 1 bytes follow it)"},
         {"public id",
          {"-"},
          Push({0x03, 0x01, 0x6A, 0x00, 0x45, 0x01}),
