@@ -142,7 +142,7 @@ public class ContextGettersTest {
   }
 
   @Test
-  public void napDef() {
+  public void napDefAndItsIndex() {
     parse(napDefs());
     assertEquals(3, tqomacp_GetPxNapDefCount());
     assertArrayEquals(new String[] {"8.8.8.8", "8.8.4.4"},
@@ -192,11 +192,8 @@ public class ContextGettersTest {
     assertNull(third[4]);
     assertNull(third[28]);
     assertNull(tqomacp_GetPxNapDefData(4));
-  }
 
-  @Test
-  public void setPxNapDefIndexMovesTheStartOfTheList() {
-    parse(napDefs());
+    // tqomacp_SetPxNapDefIndex moves the start of the list.
     tqomacp_SetPxNapDefIndex(1);
     assertEquals(3, tqomacp_GetPxNapDefCount());
     tqomacp_SetPxNapDefIndex(2);
@@ -259,7 +256,7 @@ public class ContextGettersTest {
   }
 
   @Test
-  public void bootstrapIdentityVendorConfigAccessWifi() {
+  public void bootstrapIdentityVendorConfigAccessWifiApplication() {
     parse(applications());
     assertEquals(1, tqomacp_GetPxBootstrapCount());
     assertArrayEquals(new String[] {"P1", "P2"},
@@ -295,11 +292,7 @@ public class ContextGettersTest {
     assertArrayEquals(new String[] {"ssid", "WPA2", "PEAP", "MSCHAPV2", "u", "anon", "p", "ca", "uc", "ph",
         "alg", "5", null}, tqomacp_GetPxWifiData(1));
     assertNull(tqomacp_GetPxWifiData(2));
-  }
 
-  @Test
-  public void application() {
-    parse(applications());
     assertEquals(2, tqomacp_GetPxApplicationCount());
     assertArrayEquals(new String[] {"PROXY1"},
         items(tqomacp_GetPxToProxyCount(1), k -> tqomacp_GetPxToProxyData(1, k)));
