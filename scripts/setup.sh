@@ -8,7 +8,7 @@ packages=(
   build-essential cmake git pkg-config
   g++ clang-14 libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libwbxml2-dev
+  libwbxml2-dev libssl-dev
   default-jdk-headless junit4
   qemu-user g++-aarch64-linux-gnu
   binutils
