@@ -9,7 +9,7 @@ packages=(
   g++ clang-14 libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libwbxml2-dev libssl-dev
-  default-jdk-headless junit4
+  default-jdk-headless junit4 proguard-cli libjetbrains-annotations-java
   qemu-user g++-aarch64-linux-gnu
   binutils
 )
