@@ -92,12 +92,18 @@ std::string MacText(const Bytes &key, const unsigned char *data, std::size_t siz
 
 const char *AuthenticationText(Authentication result) {
     switch (result) {
-        case Authentication::kNotChecked: return "not checked";
-        case Authentication::kAuthentic: return "authentic";
-        case Authentication::kNotAuthentic: return "not authentic";
-        case Authentication::kNotSigned: return "not signed";
-        case Authentication::kCredentialMissing: return "credential missing";
-        case Authentication::kUnsupported: return "unsupported";
+        case Authentication::kNotChecked:
+            return "not checked";
+        case Authentication::kAuthentic:
+            return "authentic";
+        case Authentication::kNotAuthentic:
+            return "not authentic";
+        case Authentication::kNotSigned:
+            return "not signed";
+        case Authentication::kCredentialMissing:
+            return "credential missing";
+        case Authentication::kUnsupported:
+            return "unsupported";
     }
     return "unsupported";
 }
@@ -108,9 +114,12 @@ Authentication Authenticate(std::uint64_t sec, std::string_view mac, const unsig
     if (sec == 0 || mac.empty()) return Authentication::kNotSigned;
     Bytes key;
     switch (MacKey(sec, credentials, &key)) {
-        case KeyStatus::kUnsupported: return Authentication::kUnsupported;
-        case KeyStatus::kCredentialMissing: return Authentication::kCredentialMissing;
-        case KeyStatus::kOk: break;
+        case KeyStatus::kUnsupported:
+            return Authentication::kUnsupported;
+        case KeyStatus::kCredentialMissing:
+            return Authentication::kCredentialMissing;
+        case KeyStatus::kOk:
+            break;
     }
     const std::string expected = MacText(key, body, size);
     if (mac.size() != expected.size()) return Authentication::kNotAuthentic;

@@ -61,9 +61,7 @@ bool ReadUserDataHeader(const Bytes &udh, SmsSegment *s, std::string *error) {
         }
         const unsigned char iei = udh[i], length = udh[i + 1];
         const unsigned char *v = udh.data() + i + 2;
-        const struct {
-            unsigned char iei, length;
-        } kSizes[] = {{0x00, 3}, {0x08, 4}, {0x05, 4}, {0x04, 2}};
+        const struct { unsigned char iei, length; } kSizes[] = {{0x00, 3}, {0x08, 4}, {0x05, 4}, {0x04, 2}};
         for (const auto &known : kSizes) {
             if (iei == known.iei && length != known.length) {
                 *error = "user data header element " + Hex2(iei) + " of " + std::to_string(length) +
@@ -121,7 +119,8 @@ Attempt ParseFrom(const Bytes &tpdu, std::size_t start) {
     ++a.stage;
     std::uint8_t ignored = 0;
     if (s.kind == SmsKind::kSubmit && !r.Byte(&ignored, "message reference")) return fail("");
-    if (!ReadAddress(r, &s.address, s.kind == SmsKind::kDeliver ? "originating address" : "destination address") ||
+    if (!ReadAddress(r, &s.address,
+                     s.kind == SmsKind::kDeliver ? "originating address" : "destination address") ||
         !r.Byte(&s.pid, "protocol identifier") || !r.Byte(&s.dcs, "data coding scheme"))
         return fail("");
     ++a.stage;
@@ -150,7 +149,8 @@ Attempt ParseFrom(const Bytes &tpdu, std::size_t start) {
         if (ud.empty() || ud[0] + 1u > ud.size()) return fail("user data header longer than the user data");
         header = ud[0] + 1u;
         std::string why;
-        if (!ReadUserDataHeader(Bytes(ud.begin() + 1, ud.begin() + static_cast<std::ptrdiff_t>(header)), &s, &why))
+        if (!ReadUserDataHeader(Bytes(ud.begin() + 1, ud.begin() + static_cast<std::ptrdiff_t>(header)), &s,
+                                &why))
             return fail(why);
     }
     s.data.assign(ud.begin() + static_cast<std::ptrdiff_t>(header), ud.end());
@@ -175,8 +175,7 @@ std::string Difference(const SmsSegment &a, const SmsSegment &b) {
     if (!a.concatenated || !b.concatenated) return "a whole message and a segment";
     if (a.ref16 != b.ref16 || a.ref != b.ref)
         return "reference " + std::to_string(b.ref) + ", not " + std::to_string(a.ref);
-    if (a.total != b.total)
-        return std::to_string(b.total) + " segments, not " + std::to_string(a.total);
+    if (a.total != b.total) return std::to_string(b.total) + " segments, not " + std::to_string(a.total);
     if (a.has_ports && b.has_ports && (a.dst_port != b.dst_port || a.src_port != b.src_port))
         return "other ports";
     return {};
@@ -223,7 +222,8 @@ bool JoinSegments(const std::vector<SmsSegment> &segments, Bytes *message, std::
         const SmsSegment &s = segments[i];
         const std::string other = i == 0 ? std::string() : Difference(first, s);
         if (!other.empty()) {
-            *error = "SMS " + std::to_string(i + 1) + " belongs to another message than SMS 1 (" + other + ")";
+            *error =
+                "SMS " + std::to_string(i + 1) + " belongs to another message than SMS 1 (" + other + ")";
             return false;
         }
         if (place[s.seq] != 0) {
@@ -238,8 +238,8 @@ bool JoinSegments(const std::vector<SmsSegment> &segments, Bytes *message, std::
         if (place[seq] == 0) missing.push_back(seq);
     }
     if (!missing.empty()) {
-        *error = std::string(missing.size() == 1 ? "segment " : "segments ") + SegmentNumbers(missing) + " of " +
-                 std::to_string(first.total) + (missing.size() == 1 ? " is" : " are") + " missing";
+        *error = std::string(missing.size() == 1 ? "segment " : "segments ") + SegmentNumbers(missing) +
+                 " of " + std::to_string(first.total) + (missing.size() == 1 ? " is" : " are") + " missing";
         return false;
     }
     message->clear();

@@ -39,6 +39,7 @@ struct SmsSegment {
     std::uint16_t ref = 0;
     std::uint8_t total = 1, seq = 1;  // seq counts from 1
     Bytes data;                       // user data after the header
+    bool operator==(const SmsSegment &) const = default;
 };
 
 // True when the data coding scheme announces 8-bit data, the only coding a
