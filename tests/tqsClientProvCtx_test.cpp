@@ -23,33 +23,6 @@
 #include "trace_capture.h"
 #include "wbxml_builder.h"
 
-// ---- allocation failures -----------------------------------------------------
-// Outside the sanitizer builds (whose runtime owns malloc) the test replaces
-// malloc to make chosen allocations fail.
-#if defined(__SANITIZE_ADDRESS__)
-#define CTX_TEST_FAILING_MALLOC 0
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define CTX_TEST_FAILING_MALLOC 0
-#endif
-#endif
-#ifndef CTX_TEST_FAILING_MALLOC
-#define CTX_TEST_FAILING_MALLOC 1
-#endif
-
-namespace {
-long gFailAt = -1;      // number of the allocation to fail, counted from 0 while armed
-long gAllocations = 0;  // allocations seen while armed
-}  // namespace
-
-#if CTX_TEST_FAILING_MALLOC
-extern "C" void *__libc_malloc(size_t size);
-extern "C" void *malloc(size_t size) {
-    if (gFailAt >= 0 && gAllocations++ == gFailAt) return nullptr;
-    return __libc_malloc(size);
-}
-#endif
-
 namespace {
 
 using wbxml::Builder;
@@ -645,33 +618,6 @@ TEST_F(CtxTest, ReleaseLeavesOnlyTheKeptBlocks) {
         EXPECT_EQ(context, c.context);
         EXPECT_EQ(tree, c.tree);
     }
-}
-
-// Every allocation of a conversion fails in turn: construction and release
-// never write through null. The first one is the root: no context, status 1.
-TEST_F(CtxTest, EachFailedAllocationLeavesAConsistentContext) {
-    if (!CTX_TEST_FAILING_MALLOC) GTEST_SKIP() << "malloc belongs to the sanitizer runtime";
-    const std::vector<uint8_t> body = RichDocument();
-    tqsWbxmlDecoder *decoder = nullptr;
-    ASSERT_EQ(tqsClientProvWbxmlInitDecoder(&decoder, body.data(), uint32_t(body.size())), 0u);
-    tqsWapDoc *doc = nullptr;
-    ASSERT_EQ(tqsClientProvWbxmlDecoder(decoder, &doc), 0u);
-    tqsClientProvWbxmlDeleteDecoder(decoder);
-    long failed = 0;
-    for (long n = 0;; ++n) {
-        gAllocations = 0;
-        gFailAt = n;
-        tqsClientProvCtx *ctx = nullptr;
-        const uint32_t status = tqsClientProvCtxVerifyContext(doc->ptCharacterList, &ctx);
-        gFailAt = -1;
-        EXPECT_EQ(status, n == 0 ? 1u : 0u) << n;
-        EXPECT_EQ(ctx != nullptr, n != 0) << n;
-        tqsClientProvCtxDelectContext(ctx);
-        if (gAllocations <= n) break;  // this run met no failure: every allocation has been tried
-        ++failed;
-    }
-    EXPECT_GT(failed, 50);  // the sweep did run through the document
-    tqsClientProvWbxmlDeleteWapDoc(doc);
 }
 
 // ==== long chains on a small stack ========================================================================

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "leak_accounting.h"
 #include "tqslist.h"
@@ -17,8 +18,9 @@ namespace {
 //   n  context chain of string nodes       r  context chain of child records
 //   R  context chain the release routines leave allocated, whole
 //   x  ptNext of a context chain
-//   f  owned string, released, whose conversion left an unreachable copy of
-//      the same text behind (APPLICATION FROM is copied twice)
+//   F  as k, and converting it leaves one unreachable context copy of the
+//      text behind (APPLICATION FROM is copied twice, the second copy
+//      replacing the first, which stays even when the second one fails)
 struct Layout {
     const char *kinds;
     const Layout *children[8];  // record layouts of the r/R fields, in order
@@ -40,7 +42,7 @@ constexpr Layout kWapAppAddr{"ssc", {}};
 constexpr Layout kWapResource{"ssssssss", {}};
 constexpr Layout kWapAppAuth{"sssss", {}};
 constexpr Layout kWapApplication{
-    "sskssss"
+    "ssFssss"
     "kkkkk"
     "lllc",
     {}};
@@ -79,7 +81,7 @@ constexpr Layout kCtxAppAuth{"sssssx", {}};
 constexpr Layout kCtxResource{"ssssssssx", {}};
 constexpr Layout kCtxRoaming{"ssx", {}};
 constexpr Layout kCtxApplication{
-    "ssfssssk"
+    "sssssssk"
     "kkkknnnrrrRx",
     {&kCtxAppAddr, &kCtxAppAuth, &kCtxResource, &kCtxRoaming}};
 constexpr Layout kCtxAccess{"nnnnnnx", {}};
@@ -133,14 +135,23 @@ void *Field(const void *record, std::size_t i) {
     return value;
 }
 
+// Set while ContextStrings walks: strings are collected, nothing is noted.
+std::vector<std::string> *g_collect = nullptr;
+
 // Reads the whole string, so that ASan sees an unterminated or freed one.
 void Touch(const void *text) {
-    if (text != nullptr) g_sink = g_sink + std::strlen(static_cast<const char *>(text));
+    if (text == nullptr) return;
+    g_sink = g_sink + std::strlen(static_cast<const char *>(text));
+    if (g_collect != nullptr) g_collect->emplace_back(static_cast<const char *>(text));
+}
+
+void Note(const void *block) {
+    if (g_collect == nullptr) Kept(block);
 }
 
 void KeepString(const void *text) {
     Touch(text);
-    Kept(text);
+    Note(text);
 }
 
 // --- tree ----------------------------------------------------------------------
@@ -148,9 +159,9 @@ void WalkCharacter(const tqsWapCharacter *character, bool keepAll);
 
 void WalkTreeList(const TqsList *list, bool characters, bool keepAll) {
     if (list == nullptr) return;
-    if (keepAll) Kept(list);
+    if (keepAll) Note(list);
     for (const TqsListNode *node = list->ptHead; node != nullptr; node = node->ptNext) {
-        if (keepAll) Kept(node);
+        if (keepAll) Note(node);
         if (characters) {
             WalkCharacter(static_cast<const tqsWapCharacter *>(node->pItem), keepAll);
         } else if (keepAll) {
@@ -163,7 +174,7 @@ void WalkTreeList(const TqsList *list, bool characters, bool keepAll) {
 
 void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
     if (record == nullptr) return;
-    if (keepAll) Kept(record);
+    if (keepAll) Note(record);
     for (std::size_t i = 0; layout.kinds[i] != '\0'; ++i) {
         void *value = Field(record, i);
         switch (layout.kinds[i]) {
@@ -172,6 +183,10 @@ void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
                 break;
             case 'k':
                 KeepString(value);
+                break;
+            case 'F':
+                KeepString(value);
+                KeptCopyOf(static_cast<const char *>(value), kCtxUnit);
                 break;
             case 'l':
                 WalkTreeList(static_cast<const TqsList *>(value), false, keepAll);
@@ -185,7 +200,7 @@ void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
 
 void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
     if (character == nullptr) return;
-    if (keepAll) Kept(character);
+    if (keepAll) Note(character);
     for (int slot = 0; slot < static_cast<int>(sizeof(kCharacterSlots) / sizeof(void *)); ++slot) {
         const void *record = Field(character, static_cast<std::size_t>(slot));
         if (record == nullptr) continue;
@@ -199,7 +214,7 @@ void WalkCtxChain(const void *head, const Layout &layout, bool keepAll);
 void WalkStrNodes(const tqsCtxStrNode *node, bool keepAll) {
     for (; node != nullptr; node = node->ptNext) {
         if (keepAll) {
-            Kept(node);
+            Note(node);
             KeepString(node->pszStr);
         } else {
             Touch(node->pszStr);
@@ -210,7 +225,7 @@ void WalkStrNodes(const tqsCtxStrNode *node, bool keepAll) {
 // One record; children through their own chains. Returns the ptNext field
 // index, or -1 for a record without a chain.
 int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
-    if (keepAll) Kept(record);
+    if (keepAll) Note(record);
     int next = -1;
     int child = 0;
     for (std::size_t i = 0; layout.kinds[i] != '\0'; ++i) {
@@ -221,10 +236,6 @@ int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
                 break;
             case 'k':
                 KeepString(value);
-                break;
-            case 'f':
-                keepAll ? KeepString(value) : Touch(value);
-                KeptCopyOf(static_cast<const char *>(value), kCtxUnit);
                 break;
             case 'n':
                 WalkStrNodes(static_cast<const tqsCtxStrNode *>(value), keepAll);
@@ -262,6 +273,12 @@ void NoteKeptInDoc(const tqsWapDoc *doc) {
 
 void NoteKeptInContext(const tqsClientProvCtx *ctx) {
     if (ctx != nullptr) WalkCtxRecord(ctx, kCtxRoot, false);
+}
+
+void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out) {
+    g_collect = out;
+    NoteKeptInContext(ctx);
+    g_collect = nullptr;
 }
 
 void NoteWholeNapDef(const tqsCtxNapDef *napDef) {

@@ -11,6 +11,9 @@
 #ifndef TQOMACP_FUZZ_KEPT_BLOCKS_H
 #define TQOMACP_FUZZ_KEPT_BLOCKS_H
 
+#include <string>
+#include <vector>
+
 #include "tqsClientProvCtx.h"
 #include "tqsClientProvWbxml.h"
 
@@ -24,6 +27,8 @@ void NoteKeptInContext(const tqsClientProvCtx *ctx);
 // Every block of one NAPDEF record and what hangs below it, not its ptNext:
 // what tqomacp_SetPxNapDefIndex cuts off the chain.
 void NoteWholeNapDef(const tqsCtxNapDef *napDef);
+// Every string of a context, kept ones included, in walk order.
+void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out);
 
 }  // namespace fuzz
 

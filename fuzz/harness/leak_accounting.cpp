@@ -31,6 +31,18 @@ std::vector<Copy> g_copies;  // unreachable copies the library leaves behind
 std::unordered_map<const void *, Spilled> g_spill;
 std::size_t g_lastKept = 0;
 
+// Failure injection: off until InjectFailure, then every allocation is logged.
+bool g_injecting = false;
+long g_failAt = -1;
+std::vector<Site> g_log;
+
+// Logs one allocation; true when it is the one to fail.
+bool FailsNow(const char *file, uint32_t line) {
+    if (!g_injecting) return false;
+    g_log.push_back({file, line});
+    return static_cast<long>(g_log.size()) - 1 == g_failAt;
+}
+
 // Entries of the tracker's table in use, followed through the wrappers below
 // (every table change happens inside a wrapped call), so that a full table is
 // known without scanning it. Resynchronised after every input.
@@ -79,8 +91,10 @@ void *__real_tqsMemDup_debug(const void *src, uint32_t size, const char *file, u
 char *__real_tqsStrdup_debug(const char *text, const char *file, uint32_t line);
 void *__real_tqsMemReAlloc_debug(void *old, uint32_t size, const char *file, uint32_t line);
 void __real_tqsMemFree_debug(void *block);
+void __wrap_tqsMemFree_debug(void *block);
 
 void *__wrap_tqsMemAlloc_debug(uint32_t size, const char *file, uint32_t line) {
+    if (fuzz::FailsNow(file, line)) return nullptr;
     const bool full = fuzz::TableFull();
     void *block = __real_tqsMemAlloc_debug(size, file, line);
     fuzz::NoteNew(full, block, size, file, line);
@@ -88,6 +102,7 @@ void *__wrap_tqsMemAlloc_debug(uint32_t size, const char *file, uint32_t line) {
 }
 
 void *__wrap_tqsMemAllocSetZero_debug(uint32_t size, const char *file, uint32_t line) {
+    if (fuzz::FailsNow(file, line)) return nullptr;
     const bool full = fuzz::TableFull();
     void *block = __real_tqsMemAllocSetZero_debug(size, file, line);
     fuzz::NoteNew(full, block, size, file, line);
@@ -95,6 +110,7 @@ void *__wrap_tqsMemAllocSetZero_debug(uint32_t size, const char *file, uint32_t 
 }
 
 TqsWChar *__wrap_tqsMemAllocW_debug(uint32_t count, const char *file, uint32_t line) {
+    if (fuzz::FailsNow(file, line)) return nullptr;
     const bool full = fuzz::TableFull();
     TqsWChar *block = __real_tqsMemAllocW_debug(count, file, line);
     fuzz::NoteNew(full, block, count, file, line);
@@ -102,6 +118,7 @@ TqsWChar *__wrap_tqsMemAllocW_debug(uint32_t count, const char *file, uint32_t l
 }
 
 void *__wrap_tqsMemDup_debug(const void *src, uint32_t size, const char *file, uint32_t line) {
+    if (fuzz::FailsNow(file, line)) return nullptr;
     const bool full = fuzz::TableFull();
     void *block = __real_tqsMemDup_debug(src, size, file, line);
     fuzz::NoteNew(full, block, size, file, line);
@@ -109,6 +126,7 @@ void *__wrap_tqsMemDup_debug(const void *src, uint32_t size, const char *file, u
 }
 
 char *__wrap_tqsStrdup_debug(const char *text, const char *file, uint32_t line) {
+    if (fuzz::FailsNow(file, line)) return nullptr;
     const bool full = fuzz::TableFull();
     char *block = __real_tqsStrdup_debug(text, file, line);
     fuzz::NoteNew(full, block, text != nullptr ? static_cast<uint32_t>(std::strlen(text)) : 0, file, line);
@@ -117,6 +135,10 @@ char *__wrap_tqsStrdup_debug(const char *text, const char *file, uint32_t line) 
 
 void *__wrap_tqsMemReAlloc_debug(void *old, uint32_t size, const char *file, uint32_t line) {
     if (size == 0 || old == nullptr) return __real_tqsMemReAlloc_debug(old, size, file, line);
+    if (fuzz::FailsNow(file, line)) {
+        __wrap_tqsMemFree_debug(old);
+        return nullptr;
+    }
     // The real one enters the new block, then frees the old one.
     const bool full = fuzz::TableFull();
     void *block = __real_tqsMemReAlloc_debug(old, size, file, line);
@@ -219,6 +241,20 @@ void CheckAndReleaseKept(const Site *sites, std::size_t count) {
 
 std::size_t LastKeptCount() {
     return g_lastKept;
+}
+
+void InjectFailure(long n) {
+    g_injecting = true;
+    g_failAt = n;
+    g_log.clear();
+}
+
+const std::vector<Site> &AllocationLog() {
+    return g_log;
+}
+
+bool FailureInjected() {
+    return g_injecting && g_failAt >= 0 && static_cast<long>(g_log.size()) > g_failAt;
 }
 
 }  // namespace fuzz

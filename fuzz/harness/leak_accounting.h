@@ -28,6 +28,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace fuzz {
 
@@ -60,6 +61,15 @@ void CheckAndReleaseKept(const Site (&sites)[N]) {
 
 // Blocks the last CheckAndReleaseKept released (for the replay statistics).
 std::size_t LastKeptCount();
+
+// Failure injection through the same wrappers. From InjectFailure(n) on,
+// allocations are counted and their sites logged, and allocation number n
+// (from 0) fails as a failed malloc does: null, and a reallocation still
+// frees the old block. A negative n fails none: a counting run.
+void InjectFailure(long n);
+const std::vector<Site> &AllocationLog();
+// Whether the allocation chosen by the last InjectFailure has failed.
+bool FailureInjected();
 
 }  // namespace fuzz
 

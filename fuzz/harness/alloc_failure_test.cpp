@@ -1,0 +1,191 @@
+// Allocation failures through a whole parse session. For each push of the
+// sample corpus one clean run (parse, every getter, release) is counted; then
+// each allocation i of the run fails in turn (about 3,900 runs, a few seconds
+// under ASan). Each run must end the way the library promises for the site
+// of allocation i (kRules below), with no crash and no sanitizer report: a
+// refusal (false, no header), or a partial context whose strings are the
+// clean run's or, after a failed join, the start of one; a getter whose
+// scratch block fails answers null. Afterwards only the kept blocks and the
+// failing decode's leftovers may stay allocated (fuzz::kSessionKeptSites).
+//
+//   fuzz_alloc_failure_test CORPUS_DIR
+#include <jni.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "fake_jni.h"
+#include "kept_blocks.h"
+#include "leak_accounting.h"
+#include "session.h"
+#include "tqomacp_jni.h"
+
+extern "C" void __sanitizer_set_death_callback(void (*)(void)) __attribute__((weak));
+
+namespace {
+
+const char kCtxUnit[] = "jni/src/ClientProv/tqsClientProvCtx";
+
+// What failing an allocation of the parse does: the first rule that matches
+// its site.
+enum class Outcome { kRefused, kPartial, kEither };
+struct Rule {
+    const char *unit;  // empty: any unit
+    uint32_t line;     // 0: any line
+    Outcome outcome;
+};
+const Rule kRules[] = {
+    // The append's result is not looked at: the value or characteristic is dropped.
+    {"jni/src/ClientProv/tqslist", 78, Outcome::kPartial},
+    // A list that cannot be created fails its parm, except PXPHYSICAL DOMAIN.
+    {"jni/src/ClientProv/tqslist", 0, Outcome::kEither},
+    // The string readers fail the parm; a token value or raw byte that cannot
+    // be stored leaves the value as it was.
+    {"jni/src/ClientProv/tqsClientProvWbxmlDecoder", 0, Outcome::kEither},
+    // Every record and string but the root: missing from the context.
+    {kCtxUnit, 0, Outcome::kPartial},
+    // The header record, the body copy, the decoder and its buffer.
+    {"", 0, Outcome::kRefused},
+};
+// Runs per rule, and runs whose failure hit a getter: none may stay at 0.
+std::size_t g_ruleRuns[std::size(kRules)];
+std::size_t g_getterRuns = 0;
+
+Outcome Expected(const fuzz::Site &site) {
+    for (std::size_t i = 0;; ++i) {
+        const Rule &r = kRules[i];
+        if ((r.unit[0] == '\0' || std::strcmp(site.file, r.unit) == 0) && (r.line == 0 || r.line == site.line)) {
+            ++g_ruleRuns[i];
+            return r.outcome;
+        }
+    }
+}
+
+// No corpus string needs converting for Java: a NAPID with a Latin-1 byte,
+// whose getter's scratch block can then fail.
+const std::vector<uint8_t> kLatin1Push = {
+    0x01, 0x06, 0x01, 0xB6,                                   // push, header: content type
+    0x03, 0x0B, 0x6A, 0x00, 0xC5, 0x46, 0x01,                 // WBXML 1.3, PROV 1.0, document
+    0xC6, 0x55, 0x01,                                         // NAPDEF
+    0x87, 0x11, 0x06, 0x03, 'N', 'A', 'P', 0xE9, 0x00, 0x01,  // NAPID "NAP\xE9"
+    0x01, 0x01};
+
+fakejni::FakeJvm *g_jvm = nullptr;
+char g_running[512] = "setup";
+
+void SayWhatRan() {
+    std::fprintf(stderr, "alloc_failure: failed while running %s\n", g_running);
+}
+
+struct Run {
+    bool ok;
+    std::size_t parseAllocations;
+    std::vector<std::string> strings;  // of the context, sorted
+};
+
+Run RunSession(const std::vector<uint8_t> &pdu, long failAt) {
+    fuzz::InjectFailure(failAt);
+    JNIEnv *env = g_jvm->env();
+    Run run{};
+    run.ok = jni_tqomacp_parser(env, nullptr, g_jvm->newByteArray(pdu), static_cast<jlong>(pdu.size()), 0);
+    run.parseAllocations = fuzz::AllocationLog().size();
+    fuzz::CheckHeaderQueries(run.ok);
+    if (run.ok != (ptCtx != nullptr)) fuzz::Fail("parser", "result and context disagree", nullptr, 0);
+    if (run.ok) {
+        fuzz::ContextStrings(ptCtx, &run.strings);
+        std::sort(run.strings.begin(), run.strings.end());
+        fuzz::SweepGetters();
+    }
+    jni_tqomacp_parser_del(env, nullptr);
+    g_jvm->reset();
+    fuzz::CheckAndReleaseKept(fuzz::kSessionKeptSites);
+    return run;
+}
+
+// Whether the strings of a partial context are the clean run's, or with
+// `prefixes` the start of one of them (a failed join leaves the text before it).
+bool Within(const std::vector<std::string> &clean, const std::vector<std::string> &run, bool prefixes) {
+    if (!prefixes) return std::includes(clean.begin(), clean.end(), run.begin(), run.end());
+    return std::all_of(run.begin(), run.end(), [&](const std::string &s) {
+        const auto it = std::lower_bound(clean.begin(), clean.end(), s);
+        return it != clean.end() && it->compare(0, s.size(), s) == 0;
+    });
+}
+
+// Fails each allocation of one sample's session in turn; returns the count.
+std::size_t Sweep(const std::string &path, const std::vector<uint8_t> &pdu) {
+    std::snprintf(g_running, sizeof g_running, "%s without failures", path.c_str());
+    const Run clean = RunSession(pdu, -1);
+    const std::vector<fuzz::Site> sites = fuzz::AllocationLog();
+    const auto isCtx = [](const fuzz::Site &s) { return std::strcmp(s.file, kCtxUnit) == 0; };
+    const auto root = std::find_if(sites.begin(), sites.end(), isCtx) - sites.begin();
+
+    for (std::size_t i = 0; i < sites.size(); ++i) {
+        const fuzz::Site &site = sites[i];
+        std::snprintf(g_running, sizeof g_running, "%s failing allocation %zu of %zu (%s:%u)", path.c_str(), i,
+                      sites.size(), site.file, site.line);
+        const Run run = RunSession(pdu, static_cast<long>(i));
+        const auto &log = fuzz::AllocationLog();
+        if (!fuzz::FailureInjected() || log[i].file != site.file || log[i].line != site.line) {
+            fuzz::Fail("session", "allocations differ from the clean run's", nullptr, 0);
+        }
+        // Past the parse only a getter's scratch block fails: that getter answers null.
+        const bool inParse = i < clean.parseAllocations;
+        g_getterRuns += !inParse;
+        Outcome expect = inParse ? Expected(site) : Outcome::kPartial;
+        if (!clean.ok || static_cast<long>(i) == root) expect = Outcome::kRefused;
+        if (expect != Outcome::kEither && run.ok != (expect == Outcome::kPartial)) {
+            fuzz::Fail("parser", run.ok ? "accepted" : "refused", nullptr, 0);
+        }
+        if (!Within(clean.strings, run.strings, expect == Outcome::kEither)) {
+            fuzz::Fail("context", "a string the clean run does not have", nullptr, 0);
+        }
+    }
+    return sites.size();
+}
+
+}  // namespace
+
+int main(int argc, char **argv) {
+    if (argc != 2) {
+        std::fprintf(stderr, "usage: %s CORPUS_DIR\n", argv[0]);
+        return 2;
+    }
+    std::signal(SIGABRT, [](int) { SayWhatRan(); });  // abort() then ends the process
+    if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(SayWhatRan);
+
+    std::vector<std::string> samples;
+    for (const auto &e : std::filesystem::recursive_directory_iterator(argv[1])) {
+        const std::string p = e.path().string();
+        if (e.path().extension() == ".pdu" && p.find(".mac.") == std::string::npos) samples.push_back(p);
+    }
+    std::sort(samples.begin(), samples.end());
+    g_jvm = new fakejni::FakeJvm();
+    g_jvm->setStrictUtf8(true);
+    fuzz::StartSession(g_jvm);
+    fuzz::StartLeakAccounting();
+
+    std::size_t runs = Sweep("a Latin-1 NAPID", kLatin1Push);
+    for (const std::string &path : samples) {
+        std::ifstream in(path, std::ios::binary);
+        runs += Sweep(path, {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()});
+    }
+    // A lost corpus folder or an outcome no run reaches any more would pass unseen.
+    const bool unmet = std::count(std::begin(g_ruleRuns), std::end(g_ruleRuns), 0) != 0 || g_getterRuns == 0;
+    if (samples.size() < 40 || unmet) {
+        std::fprintf(stderr, "alloc_failure: %zu samples; runs per rule:", samples.size());
+        for (std::size_t n : g_ruleRuns) std::fprintf(stderr, " %zu", n);
+        std::fprintf(stderr, "; getter runs: %zu\n", g_getterRuns);
+        return 1;
+    }
+    std::printf("%zu samples, %zu runs with a failed allocation\n", samples.size() + 1, runs);
+    return 0;
+}
