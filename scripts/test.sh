@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The whole test run: sanitizer build, optional stages that other parts of the
-# tree provide (arm64 under qemu, fuzz replay, a benchmark smoke run), then the
-# default build whose ctest summary ends the output.
+# The whole test run: sanitizer build, the stages that other parts of the tree
+# provide (arm64 under qemu, fuzzing, a benchmark smoke run), then the default
+# build whose ctest summary ends the output.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 jobs=$(nproc)
@@ -11,10 +11,13 @@ cmake --build --preset asan -j"$jobs"
 ctest --preset asan -j"$jobs" --output-on-failure
 
 for stage in scripts/test-arm64.sh fuzz/ci.sh bench/smoke.sh; do
-  if [ -x "$stage" ]; then
-    echo "== $stage"
-    "$stage"
+  # Every stage is part of the run: a lost file or exec bit is a failure.
+  if [ ! -x "$stage" ]; then
+    echo "$stage: missing or not executable" >&2
+    exit 1
   fi
+  echo "== $stage"
+  "$stage"
 done
 
 cmake --preset default >/dev/null
