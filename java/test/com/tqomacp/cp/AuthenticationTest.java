@@ -1,0 +1,126 @@
+package com.tqomacp.cp;
+
+import static com.tqomacp.cp.Authentication.*;
+import static org.junit.Assert.*;
+
+import java.io.ByteArrayOutputStream;
+import java.nio.charset.StandardCharsets;
+import java.util.Map;
+import org.junit.Test;
+
+/**
+ * Known MAC answers: the corpus's verified USERPIN and NETWPIN rows (SOURCES.md), the generated
+ * PDUs' MACs (PIN 1234), and one USERNETWPIN MAC computed with openssl.
+ */
+public class AuthenticationTest {
+  private static final String BANK = "ws-bank-userpin.pdu";
+  private static final String IMSI = "466923103145252";
+  private static final String HIWEB_IMSI = "432129951539038";
+
+  /** A push: content type 0xB6, the SEC bytes (none when empty), a MAC unless null, the body. */
+  private static byte[] push(byte[] sec, String mac, String bodyFile) {
+    ByteArrayOutputStream header = new ByteArrayOutputStream();
+    header.write(0xB6);
+    header.write(sec, 0, sec.length);
+    if (mac != null) {
+      header.write(0x92);
+      byte[] text = mac.getBytes(StandardCharsets.US_ASCII);
+      header.write(text, 0, text.length);
+      header.write(0);
+    }
+    ByteArrayOutputStream pdu = new ByteArrayOutputStream();
+    pdu.write(1);
+    pdu.write(6);
+    pdu.write(header.size());
+    byte[] h = header.toByteArray();
+    pdu.write(h, 0, h.length);
+    byte[] body = Samples.body(bodyFile);
+    pdu.write(body, 0, body.length);
+    return pdu.toByteArray();
+  }
+
+  private static byte[] sec(int code) {
+    return new byte[] {(byte) 0x91, (byte) code};
+  }
+
+  private static Authentication check(byte[] pdu, String imsi, String pin) throws ProvisioningException {
+    return ProvisioningMessage.parseHeader(pdu).authenticate(imsi, pin);
+  }
+
+  @Test
+  public void knownAnswers() throws ProvisioningException {
+    Object[][] cases = {
+      {Samples.pdu(BANK), null, "1234", AUTHENTIC},
+      {Samples.pdu(BANK), IMSI, "1235", NOT_AUTHENTIC},
+      {Samples.pdu(BANK), IMSI, "", CREDENTIAL_MISSING},
+      {Samples.pdu("mihini-dm-bootstrap.pdu"), null, "1234", AUTHENTIC},
+      {Samples.pdu("br-claro-portal-charset.pdu"), null, "1234", AUTHENTIC},
+      {Samples.pdu("vn-vinaphone-8x85.pdu"), null, "1111", AUTHENTIC},
+      {Samples.pdu("vn-viettel-8x85.pdu"), null, "1111", AUTHENTIC},
+      {Samples.pdu("vn-mobifone-vtv.pdu"), null, "1111", AUTHENTIC},
+      {Samples.pdu("vn-vinaphone-vtv.pdu"), null, "1111", AUTHENTIC},
+      {Samples.pdu("vn-viettel-gprs-wbxml12.pdu"), null, "1111", AUTHENTIC},
+      {Samples.pdu("vn-viettel-gprs-wbxml12.pdu"), null, "1234", NOT_AUTHENTIC},
+      // NETWPIN with an IMSI nobody published.
+      {Samples.pdu("ph-smart-mms-netwpin.pdu"), null, "1234", CREDENTIAL_MISSING},
+      {Samples.pdu("ph-smart-mms-netwpin.pdu"), IMSI, null, NOT_AUTHENTIC},
+      // SEC NETWPIN without a MAC.
+      {Samples.pdu("pdus/cpc-email.pdu"), IMSI, "1234", NOT_SIGNED},
+      {push(sec(0x80), "1af545fe2823dc9347064450f90ff1bbf957e146", "moz-empty-doc-netwpin.wbxml"),
+          IMSI, null, AUTHENTIC},
+      {push(sec(0x80), "1AF545FE2823DC9347064450F90FF1BBF957E146", "moz-empty-doc-netwpin.wbxml"),
+          "466923103145253", null, NOT_AUTHENTIC},
+      {push(sec(0x80), "BB9603D3D43CF472656B5ECD157BC66801DA695F", "apnprov-ref-myapn.wbxml"),
+          "001010123456789", null, AUTHENTIC},
+      {push(sec(0x80), "346A77ECD1ED230CC996F553551E0E8B63F0E9EB", "apnprov-hiweb.wbxml"),
+          HIWEB_IMSI, "1234", AUTHENTIC},
+      {push(sec(0x82), "B450536F898493EE37D7F3848B5C9D5C59B022A0", "apnprov-hiweb.wbxml"),
+          HIWEB_IMSI, "1234", AUTHENTIC},
+      {push(sec(0x82), "B450536F898493EE37D7F3848B5C9D5C59B022A0", "apnprov-hiweb.wbxml"),
+          HIWEB_IMSI, null, CREDENTIAL_MISSING},
+      // SEC as the text "SEC" and the value as the digit "1" (USERPIN).
+      {push("SEC\u00001".getBytes(StandardCharsets.US_ASCII),
+          "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
+          null, "1234", AUTHENTIC},
+      {push(sec(0x81), "6CD48BFD7FFC33183154734DF4434DA694E25E6", "moz-empty-doc-netwpin.wbxml"),
+          null, "1234", NOT_AUTHENTIC},
+      {push(sec(0x83), "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
+          IMSI, "1234", UNSUPPORTED},
+      {push(sec(0x01), "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
+          IMSI, "1234", UNSUPPORTED},
+      {push(new byte[0], "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
+          IMSI, "1234", NOT_SIGNED},
+    };
+    for (int i = 0; i < cases.length; i++) {
+      Object[] c = cases[i];
+      assertEquals("case " + i, c[3], check((byte[]) c[0], (String) c[1], (String) c[2]));
+    }
+    for (Map.Entry<String, byte[]> sample : Samples.PDUS.entrySet()) {
+      if (sample.getKey().endsWith(".mac.pdu")) {
+        assertEquals(sample.getKey(), AUTHENTIC, check(sample.getValue(), null, "1234"));
+      }
+    }
+  }
+
+  @Test
+  public void securityForms() {
+    int[] codes = {0, 0x80, 0x81, 0x82, 0x83, '0', '3', 0x01, 0x84, 'U'};
+    Security[] expected = {Security.NONE, Security.NETWPIN, Security.USERPIN, Security.USERNETWPIN,
+        Security.USERPINMAC, Security.NETWPIN, Security.USERPINMAC, Security.UNKNOWN,
+        Security.UNKNOWN, Security.UNKNOWN};
+    for (int i = 0; i < codes.length; i++) {
+      assertEquals("code " + codes[i], expected[i], Security.of(codes[i]));
+    }
+  }
+
+  @Test
+  public void netwpinKeys() {
+    assertArrayEquals(new byte[] {0x49, 0x66, 0x29, 0x13, 0x30, 0x41, 0x25, 0x25},
+        PushHeader.netwpinKey(IMSI));
+    assertArrayEquals(new byte[] {0x11, 0x32, 0x54, 0x76, (byte) 0x98, 0x10, 0x32, (byte) 0xF4},
+        PushHeader.netwpinKey("12345678901234"));
+    for (String bad : new String[] {"12F", "4669231031452a", "\u0663\u0663"}) {
+      assertThrows(bad, IllegalArgumentException.class, () -> PushHeader.netwpinKey(bad));
+    }
+  }
+}

@@ -1,0 +1,363 @@
+package com.tqomacp.cp;
+
+import static com.tqomacp.eng.parser.XCPCtxAccess.*;
+import static com.tqomacp.eng.parser.XCPCtxApplication.*;
+import static com.tqomacp.eng.parser.XCPCtxBootstrap.*;
+import static com.tqomacp.eng.parser.XCPCtxClientIdentity.*;
+import static com.tqomacp.eng.parser.XCPCtxNapDef.*;
+import static com.tqomacp.eng.parser.XCPCtxParser.*;
+import static com.tqomacp.eng.parser.XCPCtxPxLogical.*;
+import static com.tqomacp.eng.parser.XCPCtxVendorConfig.*;
+import static com.tqomacp.eng.parser.XCPCtxWifi.*;
+import static org.junit.Assert.*;
+
+import java.nio.charset.StandardCharsets;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.List;
+import java.util.Map;
+import java.util.function.IntFunction;
+import org.junit.Test;
+
+/**
+ * Every corpus sample read through the facade against the same sample read through the natives,
+ * element by element in the natives' own layouts, so that each accessor is checked against the
+ * array position the natives give it; then the repairs on known values.
+ */
+public class ProvisioningMessageTest {
+  private static final List<String> ADDRESS_TYPES =
+      Arrays.asList("IPV4", "IPV6", "E164", "ALPHA", "APN", "SCODE", "TETRA-ITSI", "MAN");
+
+  @Test
+  public void everySampleEqualsTheNatives() {
+    int parsed = 0;
+    for (Map.Entry<String, byte[]> sample : Samples.PDUS.entrySet()) {
+      parsed += sameAsNatives(sample.getKey(), sample.getValue()) ? 1 : 0;
+    }
+    assertTrue("samples parsed: " + parsed, parsed >= 50);
+  }
+
+  // What the corpus lacks: two NAPDEFs with two VALIDITY each, the first with NAP-ADDRTYPE as the
+  // raw code 0x89 and a text BEARER before GSM-GPRS, the second with the token E164; ROAMING in
+  // two APPLICATIONs (w5, w2); a WI-FI whose twelve parms are "a" to "l". Built by the JVM
+  // tests' Wbxml builder, as a push with SEC USERPIN and no MAC.
+  private static final String BUILT =
+      "010603b69181030b6a0045c600005501871106034e41503100018708060361706e2e6f6e6500018709060389"
+      + "0001870a06034953444e00018710060374657874206265617265720001871006ab01c6000054018712060356"
+      + "3131000101c6000054018712060356313200010101c600005501871106034e41503200018709068701870a06"
+      + "034953444e0001c60000540187120603563231000101c6000054018712060356323200010101c60001550187"
+      + "36060377350001c65003524f414d494e47000187050353594e432d414c4c4f57454400060331000187050353"
+      + "594e432d44454641554c540006033000010101c6000155018736060377320001c65003524f414d494e470001"
+      + "87050353594e432d414c4c4f5745440006033200010101c6500357492d464900018705034e45545353494400"
+      + "06036100018705035345434d4f44450006036200018705034541504d4554484f440006036300018705034541"
+      + "5054595045000603640001870503555345524e414d45000603650001870503414e4f4e555345524e414d4500"
+      + "060366000187050350415353574f524400060367000187050343414345525400060368000187050355534552"
+      + "434552540006036900018705035048415345310006036a000187050341555448414c474f524954484d000603"
+      + "6b00018705035052494f524954590006036c00010101";
+
+  @Test
+  public void builtDocumentEqualsTheNatives() throws ProvisioningException {
+    byte[] pdu = new byte[BUILT.length() / 2];
+    for (int i = 0; i < pdu.length; i++) {
+      pdu[i] = (byte) Integer.parseInt(BUILT.substring(2 * i, 2 * i + 2), 16);
+    }
+    assertTrue(sameAsNatives("built", pdu));
+    ProvisioningDocument d = ProvisioningMessage.parse(pdu).document();
+    NapDef first = d.napDefs().get(0);
+    NapDef second = d.napDefs().get(1);
+    assertEquals(Arrays.asList("APN", false, "ISDN", Arrays.asList(null, "GSM-GPRS")),
+        Arrays.asList(first.napAddressType(), first.napAddressTypeWithheld(), first.callType(),
+            first.bearers()));
+    assertEquals(Arrays.asList(null, true, "ISDN"), Arrays.asList(second.napAddressType(),
+        second.napAddressTypeWithheld(), second.callType()));
+    assertEquals(Arrays.asList("V11", null, null, "V22"), Arrays.asList(
+        first.validities().get(0).country(), first.validities().get(1),
+        second.validities().get(0), second.validities().get(1).country()));
+    Roaming roaming = d.applications().get(0).roaming();
+    assertEquals(Arrays.asList("1", "0", null), Arrays.asList(roaming.syncAllowed(),
+        roaming.syncDefault(), d.applications().get(1).roaming()));
+    assertEquals(Arrays.asList("a", "l"), Arrays.asList(d.wifis().get(0).ssid(), d.wifis().get(0).priority()));
+  }
+
+  /** Whether the push parses; either way the facade must agree with the natives. */
+  private static boolean sameAsNatives(String at, byte[] pdu) {
+    ProvisioningException.Reason refused = null;
+    ProvisioningMessage message = null;
+    try {
+      message = ProvisioningMessage.parse(pdu);
+    } catch (ProvisioningException e) {
+      refused = e.reason();
+    }
+    boolean header = tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY);
+    tqomacp_parser_del();
+    boolean full = tqomacp_parser(pdu, pdu.length, MODE_FULL);
+    try {
+      assertEquals(at, header ? full ? null : ProvisioningException.Reason.DOCUMENT
+          : ProvisioningException.Reason.HEADER, refused);
+      if (full) {
+        sameHeader(at, message.header());
+        sameDocument(at, message.document());
+      }
+      return full;
+    } finally {
+      tqomacp_parser_del();
+    }
+  }
+
+  @Test
+  public void refusedHeaderAndDocument() throws ProvisioningException {
+    assertEquals(ProvisioningException.Reason.HEADER,
+        reason(Samples.pdu("negative/vn-mobifone-nokia-ota.pdu")));
+    assertEquals(ProvisioningException.Reason.HEADER, reason(new byte[] {1, 7, 0}));
+    byte[] truncated = Samples.pdu("pdus/negative/moz-vendorconfig-truncated.pdu");
+    assertEquals(ProvisioningException.Reason.DOCUMENT, reason(truncated));
+    // The header of a refused document still parses on its own.
+    assertEquals(Security.NETWPIN, ProvisioningMessage.parseHeader(truncated).security());
+  }
+
+  private static ProvisioningException.Reason reason(byte[] pdu) {
+    try {
+      ProvisioningMessage.parse(pdu);
+    } catch (ProvisioningException e) {
+      return e.reason();
+    }
+    throw new AssertionError("parsed");
+  }
+
+  @Test
+  public void repairsOnKnownValues() throws ProvisioningException {
+    PushHeader header = ProvisioningMessage.parseHeader(Samples.pdu("ws-bank-userpin.pdu"));
+    byte[] body = header.body();
+    body[0] ^= 1;
+    assertNotEquals(body[0], header.body()[0]);
+
+    ProvisioningDocument bank = ProvisioningMessage.parse(Samples.pdu("ws-bank-userpin.pdu")).document();
+    NapDef nap = bank.napDefs().get(0);
+    // NAP-ADDRTYPE E164 stored as text: CALLTYPE is back in its own field.
+    assertEquals(Arrays.asList("MY ISP CSD", "+35808124002", null, true, "ANALOG-MODEM", null),
+        Arrays.asList(nap.name(), nap.napAddress(), nap.napAddressType(),
+            nap.napAddressTypeWithheld(), nap.callType(), nap.init()));
+    assertEquals(Arrays.asList("GSM-CSD"), nap.bearers());
+    assertEquals("228", nap.validities().get(0).country());
+
+    // A text bearer, for which the native gives the NAP-ADDRESS.
+    NapDef lg = ProvisioningMessage.parse(Samples.pdu("pdus/lg-apn-strtable-auto.pdu"))
+        .document().napDefs().get(0);
+    assertEquals(Arrays.asList((String) null), lg.bearers());
+
+    ProvisioningDocument own =
+        ProvisioningMessage.parse(Samples.pdu("pdus/own/identity-vendor-access.pdu")).document();
+    assertEquals("empty", own.napDefs().get(0).init());
+    assertEquals("client-0001", own.clientIdentity());
+
+    // Proxy PORT services are counted, not named.
+    PxLogical cmcc = ProvisioningMessage.parse(Samples.pdu("pdus/gaia-cmcc-two-proxies.pdu"))
+        .document().proxies().get(1);
+    assertEquals(Arrays.asList("9203", Arrays.asList((String) null)),
+        Arrays.asList(cmcc.physicals().get(0).ports().get(0).portNumber(),
+            cmcc.physicals().get(0).ports().get(0).services()));
+  }
+
+  private static void sameHeader(String at, PushHeader h) {
+    assertEquals(at, Arrays.asList(tqomacp_GetParserContentType(), tqomacp_GetParserHeaderLen(),
+            tqomacp_GetParserSEC(), tqomacp_GetParserMACLen(), tqomacp_GetParserBodyLen()),
+        Arrays.asList(h.contentType(), h.headerLength(), h.securityCode(),
+            h.mac() == null ? 0 : h.mac().length(), h.body().length));
+    byte[] mac = h.mac() == null ? new byte[0] : h.mac().getBytes(StandardCharsets.ISO_8859_1);
+    assertArrayEquals(at, tqomacp_GetParserMAC(), mac);
+    assertArrayEquals(at, tqomacp_GetParserBody(), h.body());
+  }
+
+  private static void sameDocument(String at, ProvisioningDocument d) {
+    assertEquals(at, tqomacp_GetPxClientIdentityData(), d.clientIdentity());
+
+    List<PxLogical> proxies = d.proxies();
+    assertEquals(at, tqomacp_GetPxLogicalCount(), proxies.size());
+    for (int p = 1; p <= proxies.size(); p++) {
+      final int pp = p;
+      PxLogical x = proxies.get(p - 1);
+      row(at, tqomacp_GetProxyData(p), x.proxyId(), x.proxyPw(), x.ppgAuthType(),
+          x.proxyProviderId(), x.name(), x.trust(), x.master(), x.startPage(),
+          null, null, null, null, null);
+      strings(at, tqomacp_GetPxDomainCount(p), k -> tqomacp_GetPxDomainData(pp, k), x.domains());
+      assertEquals(at, tqomacp_GetPxAuthInfoCount(p), x.authInfos().size());
+      for (int k = 1; k <= x.authInfos().size(); k++) {
+        PxAuthInfo a = x.authInfos().get(k - 1);
+        row(at, tqomacp_GetPxAuthInfoData(p, k), a.authType(), a.authId(), a.authPw());
+      }
+      assertEquals(at, tqomacp_GetPxPortCount(p), x.ports().size());
+      for (int k = 1; k <= x.ports().size(); k++) {
+        Port port = x.ports().get(k - 1);
+        assertEquals(at, tqomacp_GetPxPortData(p, k), port.portNumber());
+        assertEquals(at, withheld(tqomacp_GetPxPortServiceCount(p, k)), port.services());
+      }
+      assertEquals(at, tqomacp_GetPxPhysicalCount(p), x.physicals().size());
+      for (int k = 1; k <= x.physicals().size(); k++) {
+        final int kk = k;
+        PxPhysical y = x.physicals().get(k - 1);
+        row(at, tqomacp_GetPxPhysicalData(p, k), y.physicalProxyId(), y.address(),
+            y.addressType(), y.addressFqdn(), y.wspVersion(), y.pushEnabled(), y.pullEnabled());
+        strings(at, tqomacp_GetPxPhysicalDomainCount(p, k),
+            n -> tqomacp_GetPxPhsicalDomainData(pp, kk, n), y.domains());
+        strings(at, tqomacp_GetPxPhsicalNapIdCount(p, k),
+            n -> tqomacp_GetPxPhysicalNapIdData(pp, kk, n), y.toNapIds());
+        assertEquals(at, tqomacp_GetPxPhysicalPortCount(p, k), y.ports().size());
+        for (int t = 1; t <= y.ports().size(); t++) {
+          Port port = y.ports().get(t - 1);
+          assertEquals(at, tqomacp_GetPxPhysicalPortData(p, k, t), port.portNumber());
+          assertEquals(at, withheld(tqomacp_GetPxPhysicalPortServiceCount(p, k, t)), port.services());
+        }
+      }
+    }
+
+    List<NapDef> naps = d.napDefs();
+    assertEquals(at, tqomacp_GetPxNapDefCount(), naps.size());
+    for (int n = 1; n <= naps.size(); n++) {
+      final int nn = n;
+      NapDef x = naps.get(n - 1);
+      List<String> expected = new ArrayList<>(Arrays.asList(x.napId(), x.name(), x.internet(),
+          x.napAddress(), x.napAddressType() == null ? null
+              : "0x" + Integer.toHexString(0x85 + ADDRESS_TYPES.indexOf(x.napAddressType())),
+          x.callType(), x.localAddress(), x.localAddressType(), x.linkSpeed(), x.downlinkSpeed(),
+          x.linger(), x.deliveryErrSdu(), x.deliveryOrder(), x.trafficClass(), x.maxSduSize(),
+          x.maxBitrateUplink(), x.maxBitrateDownlink(), null, null, null, null, null, null,
+          x.maxNumRetry(), x.firstRetryTimeout(), x.reregThreshold(), x.tBit(), x.init(), null));
+      if (x.napAddressTypeWithheld()) {
+        // The natives' layout for a text type: nothing in its place, the rest one lower.
+        expected.remove(4);
+        expected.add("");
+      }
+      assertEquals(at, expected, Arrays.asList(tqomacp_GetPxNapDefData(n)));
+      strings(at, tqomacp_GetPxDnsAddrCount(n), k -> tqomacp_GetPxDnsAddrData(nn, k), x.dnsAddresses());
+      assertEquals(at, tqomacp_GetPxBearerCount(n), x.bearers().size());
+      for (int k = 1; k <= x.bearers().size(); k++) {
+        String given = tqomacp_GetPxBearerData(n, k);
+        String bearer = x.bearers().get(k - 1);
+        // Null only where the native gave the NAP-ADDRESS for a text bearer.
+        assertTrue(at + " " + given, bearer == null
+            ? given == null || given.equals(x.napAddress()) : bearer.equals(given));
+      }
+      assertEquals(at, tqomacp_GetPxNapAuthInfoCount(n), x.authInfos().size());
+      for (int k = 1; k <= x.authInfos().size(); k++) {
+        final int kk = k;
+        NapAuthInfo a = x.authInfos().get(k - 1);
+        row(at, tqomacp_GetPxNapAuthInfoData(n, k), a.authType(), a.authName(), a.authSecret(), null);
+        strings(at, tqomacp_GetPxNapAuthEntityCount(n, k),
+            e -> tqomacp_GetPxAuthInfopAuthEntityData(nn, kk, e), a.authEntities());
+      }
+      assertEquals(at, tqomacp_GetPxNapValidityCount(n), x.validities().size());
+      for (int k = 1; k <= x.validities().size(); k++) {
+        Validity v = x.validities().get(k - 1);
+        if (k != n) {
+          assertNull(at, v);
+        } else {
+          row(at, tqomacp_GetPxValidityData(n, k), v.country(), v.network(), v.sid(), v.soc(),
+              v.validUntil());
+        }
+      }
+    }
+
+    List<Bootstrap> boots = d.bootstraps();
+    assertEquals(at, tqomacp_GetPxBootstrapCount(), boots.size());
+    for (int b = 1; b <= boots.size(); b++) {
+      final int bb = b;
+      Bootstrap x = boots.get(b - 1);
+      row(at, tqomacp_GetBootstrapData(b), x.name(), x.country(), x.provUrl(), x.contextAllow());
+      strings(at, tqomacp_GetPxProxyIdCount(b), k -> tqomacp_GetPxProxyIdData(bb, k), x.proxyIds());
+      strings(at, tqomacp_GetPxNetworkCount(b), k -> tqomacp_GetPxNetworkData(bb, k), x.networks());
+    }
+
+    List<VendorConfig> vendors = d.vendorConfigs();
+    assertEquals(at, tqomacp_GetPxVenderConfigCount(), vendors.size());
+    for (int v = 1; v <= vendors.size(); v++) {
+      VendorConfig x = vendors.get(v - 1);
+      row(at, tqomacp_GetPxVenderConfigData(v), x.name(), x.parmName(), x.parmValue());
+    }
+
+    List<Application> apps = d.applications();
+    assertEquals(at, tqomacp_GetPxApplicationCount(), apps.size());
+    for (int a = 1; a <= apps.size(); a++) {
+      final int aa = a;
+      Application x = apps.get(a - 1);
+      row(at, tqomacp_GetApplicationData(a), x.appId(), x.providerId(), x.from(), x.name(),
+          x.aAccept(), x.aProtocol(), x.internet(), x.xcapAuidDcs(), x.xcapAuidPms(),
+          x.xcapAuidCdms(), x.xcapImeiHeader(), x.xcapTidHeader());
+      strings(at, tqomacp_GetPxToProxyCount(a), k -> tqomacp_GetPxToProxyData(aa, k), x.toProxies());
+      strings(at, tqomacp_GetPxNapIdCount(a), k -> tqomacp_GetPxNapIdData(aa, k), x.toNapIds());
+      strings(at, tqomacp_GetPxToAddrCount(a), k -> tqomacp_GetPxToAddrData(aa, k), x.addresses());
+      assertEquals(at, tqomacp_GetPxAppAddrCount(a), x.appAddresses().size());
+      for (int k = 1; k <= x.appAddresses().size(); k++) {
+        final int kk = k;
+        AppAddr y = x.appAddresses().get(k - 1);
+        row(at, tqomacp_GetPxAppAddrData(a, k), y.address(), y.addressType());
+        assertEquals(at, tqomacp_GetPxAppPortCount(a, k), y.ports().size());
+        for (int t = 1; t <= y.ports().size(); t++) {
+          final int tt = t;
+          Port port = y.ports().get(t - 1);
+          assertEquals(at, tqomacp_GetPxAppPortData(a, k, t), port.portNumber());
+          strings(at, tqomacp_GetPxServiceCount(a, k, t),
+              s -> tqomacp_GetPxServiceData(aa, kk, tt, s), port.services());
+        }
+      }
+      assertEquals(at, tqomacp_GetPxAppAuthCount(a), x.appAuths().size());
+      for (int k = 1; k <= x.appAuths().size(); k++) {
+        AppAuth y = x.appAuths().get(k - 1);
+        row(at, tqomacp_GetPxAppAuthData(a, k), y.authLevel(), y.authType(), y.authName(),
+            y.authSecret(), y.authData());
+      }
+      assertEquals(at, tqomacp_GetPxResourceCount(a), x.resources().size());
+      for (int k = 1; k <= x.resources().size(); k++) {
+        Resource y = x.resources().get(k - 1);
+        row(at, tqomacp_GetPxResourceData(a, k), y.uri(), y.name(), y.aAccept(), y.authType(),
+            y.authName(), y.authSecret(), y.authData(), y.startPage());
+      }
+      Roaming r = x.roaming();
+      String[] roaming = a == 1 ? tqomacp_GetPxRoamingData() : null;
+      assertEquals(at, roaming == null, r == null);
+      if (r != null) {
+        row(at, roaming, r.syncAllowed(), r.syncDefault());
+      }
+    }
+
+    List<Access> rules = d.accessRules();
+    assertEquals(at, tqomacp_GetPxCtxAccessCount(), rules.size());
+    for (int r = 1; r <= rules.size(); r++) {
+      final int rr = r;
+      Access x = rules.get(r - 1);
+      strings(at, tqomacp_GetPxRuleCount(r), k -> tqomacp_GetPxRuleData(rr, k), x.rules());
+      strings(at, tqomacp_GetPxAppIdCount(r), k -> tqomacp_GetPxAppIdData(rr, k), x.appIds());
+      strings(at, tqomacp_GetPxPortNbrCount(r), k -> tqomacp_GetPxPortNbrData(rr, k), x.portNumbers());
+      strings(at, tqomacp_GetPxAccessDomainCount(r), k -> tqomacp_GetPxAccessDomainData(rr, k),
+          x.domains());
+      strings(at, tqomacp_GetPxAccessToNapIdCount(r), k -> tqomacp_GetPxAccessToNapIdData(rr, k),
+          x.toNapIds());
+      strings(at, tqomacp_GetPxAccessToProxyCount(r), k -> tqomacp_GetPxAccessToProxyData(rr, k),
+          x.toProxies());
+    }
+
+    List<Wifi> wifis = d.wifis();
+    assertEquals(at, tqomacp_GetPxWifiCount(), wifis.size());
+    for (int w = 1; w <= wifis.size(); w++) {
+      Wifi x = wifis.get(w - 1);
+      row(at, tqomacp_GetPxWifiData(w), x.ssid(), x.securityMode(), x.eapMethod(), x.eapType(),
+          x.userName(), x.anonymousUserName(), x.password(), x.caCertificate(),
+          x.userCertificate(), x.phase1(), x.authAlgorithm(), x.priority());
+    }
+  }
+
+  /** A record array: the fields in order, then the closing null. */
+  private static void row(String at, String[] natives, String... fields) {
+    String[] expected = Arrays.copyOf(fields, fields.length + 1);
+    assertArrayEquals(at, expected, natives);
+  }
+
+  private static void strings(String at, int count, IntFunction<String> item, List<String> read) {
+    String[] expected = new String[count];
+    Arrays.setAll(expected, k -> item.apply(k + 1));
+    assertEquals(at, Arrays.asList(expected), read);
+  }
+
+  private static List<String> withheld(int count) {
+    return Arrays.asList(new String[count]);
+  }
+}
