@@ -8,7 +8,7 @@ packages=(
   build-essential cmake git pkg-config
   g++ clang-14 libclang-rt-14-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libwbxml2-dev libssl-dev
+  libwbxml2-dev libssl-dev libexpat1-dev libwbxml2-utils
   default-jdk-headless junit4 proguard-cli libjetbrains-annotations-java
   qemu-user g++-aarch64-linux-gnu
   binutils

@@ -1,0 +1,5 @@
+#include "cpmake.h"
+
+int main(int argc, char **argv) {
+    return cpmake::Main(argc, argv);
+}
