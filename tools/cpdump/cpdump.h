@@ -12,6 +12,7 @@ namespace cpdump {
 constexpr int kExitDecoded = 0;
 constexpr int kExitRejected = 1;
 constexpr int kExitUsage = 2;
+constexpr int kExitNotAuthentic = 3;  // with --require-authentic
 
 // Runs the whole program; returns the exit status.
 int Main(int argc, char **argv);

@@ -3,6 +3,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string_view>
+
+#include "sms.h"
 
 namespace cpdump {
 namespace {
@@ -87,9 +90,7 @@ bool ReadAll(const std::string &path, Bytes *out, std::string *error) {
     return ok;
 }
 
-bool LoadPdu(const std::string &path, Bytes *out, std::string *error) {
-    Bytes raw;
-    if (!ReadAll(path, &raw, error)) return false;
+bool HexOrBinary(const Bytes &raw, const std::string &path, Bytes *out, std::string *error) {
     Bytes decoded;
     switch (DecodeHexText(raw, &decoded, error)) {
         case HexVerdict::kHex:
@@ -101,8 +102,56 @@ bool LoadPdu(const std::string &path, Bytes *out, std::string *error) {
         case HexVerdict::kNotHex:
             break;
     }
-    *out = std::move(raw);
+    *out = raw;
     return true;
+}
+
+bool ReadTpduLines(const Bytes &text, std::vector<Bytes> *tpdus, std::string *error) {
+    tpdus->clear();
+    std::size_t number = 0;
+    for (std::size_t start = 0; start < text.size();) {
+        std::size_t end = start;
+        while (end < text.size() && text[end] != '\n') ++end;
+        ++number;
+        const Bytes line(text.begin() + static_cast<std::ptrdiff_t>(start),
+                         text.begin() + static_cast<std::ptrdiff_t>(end));
+        start = end + 1;
+        std::string_view view(reinterpret_cast<const char *>(line.data()), line.size());
+        while (!view.empty() && (view.back() == '\r' || view.back() == ' ' || view.back() == '\t'))
+            view.remove_suffix(1);
+        if (view.empty() || view[0] == '+' || view == "OK" || view.rfind("AT", 0) == 0) continue;
+        Bytes tpdu;
+        std::string why;
+        if (DecodeHexText(line, &tpdu, &why) != HexVerdict::kHex) {
+            *error = "line " + std::to_string(number) + " is no TPDU in hex" +
+                     (why.empty() ? "" : " (" + why + ")");
+            return false;
+        }
+        tpdus->push_back(std::move(tpdu));
+    }
+    if (tpdus->empty()) {
+        *error = "no TPDU in the input";
+        return false;
+    }
+    return true;
+}
+
+bool PduFromSms(const Bytes &text, bool wap_ports_only, Bytes *pdu, std::string *error) {
+    std::vector<Bytes> tpdus;
+    if (!ReadTpduLines(text, &tpdus, error)) return false;
+    std::vector<cpcommon::SmsSegment> segments(tpdus.size());
+    for (std::size_t i = 0; i < tpdus.size(); ++i) {
+        std::string why;
+        if (!cpcommon::ParseTpdu(tpdus[i], &segments[i], &why)) {
+            *error = "SMS " + std::to_string(i + 1) + ": " + why;
+            return false;
+        }
+        if (wap_ports_only && !segments[i].has_ports) {
+            *error = "SMS " + std::to_string(i + 1) + " has no WAP push port";
+            return false;
+        }
+    }
+    return cpcommon::JoinSegments(segments, pdu, error);
 }
 
 }  // namespace cpdump

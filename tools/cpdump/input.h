@@ -30,8 +30,18 @@ HexVerdict DecodeHexText(const Bytes &text, Bytes *out, std::string *error);
 // `error` when it cannot be read.
 bool ReadAll(const std::string &path, Bytes *out, std::string *error);
 
-// ReadAll followed by hex detection.
-bool LoadPdu(const std::string &path, Bytes *out, std::string *error);
+// Hex detection on what ReadAll gave for `path`: hex text decoded, anything
+// else taken as binary. False when it looks like hex but is broken.
+bool HexOrBinary(const Bytes &raw, const std::string &path, Bytes *out, std::string *error);
+
+// SMS as a modem prints them: one TPDU in hex a line. Lines of modem talk
+// ("+CMGL: ...", "AT+CMGL=4", "OK") and blank lines are passed over.
+bool ReadTpduLines(const Bytes &text, std::vector<Bytes> *tpdus, std::string *error);
+
+// The WSP push carried by the TPDUs of `text`, their segments joined. With
+// `wap_ports_only`, each must be addressed to a WAP push port (what lets the
+// form be recognised without being named).
+bool PduFromSms(const Bytes &text, bool wap_ports_only, Bytes *pdu, std::string *error);
 
 }  // namespace cpdump
 

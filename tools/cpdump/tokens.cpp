@@ -57,13 +57,6 @@ constexpr NamedCode kContentTypes[] = {
     {SML_PUSH_CT_SYNCML_DM_WBXML, "application/vnd.syncml.dm+wbxml"},
 };
 
-constexpr NamedCode kSecMethods[] = {
-    {0x80, "NETWPIN"},
-    {0x81, "USERPIN"},
-    {0x82, "USERNETWPIN"},
-    {0x83, "USERPINMAC"},
-};
-
 template <typename Table>
 const char *Find(const Table &table, std::uint64_t code) {
     for (const auto &entry : table) {
@@ -96,10 +89,6 @@ std::string DisplayValue(const char *stored) {
 
 const char *ContentTypeName(std::uint64_t code) {
     return Find(kContentTypes, code);
-}
-
-const char *SecName(std::uint64_t code) {
-    return Find(kSecMethods, code);
 }
 
 }  // namespace cpdump

@@ -19,8 +19,6 @@ std::string DisplayValue(const char *stored);
 
 // "application/vnd.wap.connectivity-wbxml" and friends; null for other codes.
 const char *ContentTypeName(std::uint64_t code);
-// NETWPIN, USERPIN, USERNETWPIN, USERPINMAC; null for other codes.
-const char *SecName(std::uint64_t code);
 
 }  // namespace cpdump
 

@@ -134,8 +134,6 @@ TEST(Tokens, HeaderCodes) {
     EXPECT_STREQ(ContentTypeName(0x36), "application/vnd.wap.connectivity-wbxml");
     EXPECT_STREQ(ContentTypeName(0x42), "application/vnd.syncml.dm+wbxml");
     EXPECT_EQ(ContentTypeName(0x37), nullptr);
-    EXPECT_STREQ(SecName(0x81), "USERPIN");
-    EXPECT_EQ(SecName(0x84), nullptr);
 }
 
 // Contexts and trees built by hand on the stack: the printers only read them.
