@@ -3,7 +3,9 @@
 limit that push the decoder, the context and the getters to their sizes
 (deep nesting, long chains, long texts, many values, more live blocks than the
 leak tracker's table holds). Bodies go to wbxml_tree/, the same bodies wrapped
-in a push PDU to pipeline/. Run from anywhere; the output is committed."""
+in a push PDU to pipeline/, the first of them to push_header/. They seed the
+large-input runs; the 4 KB runs start from ../seeds. Run from anywhere; the
+output is committed."""
 import os
 
 HERE = os.path.dirname(os.path.abspath(__file__))
@@ -78,13 +80,19 @@ def seeds():
     yield "many-proxies", doc(repeat_to_fit(b"", proxies, b""))
 
 
+def write(target, name, data):
+    with open(os.path.join(HERE, target, "stress-" + name), "wb") as f:
+        f.write(data)
+
+
 def main():
-    for name, body in seeds():
+    for i, (name, body) in enumerate(seeds()):
         assert len(body) <= LIMIT - 4, (name, len(body))
-        with open(os.path.join(HERE, "wbxml_tree", "stress-" + name + ".wbxml"), "wb") as f:
-            f.write(body)
-        with open(os.path.join(HERE, "pipeline", "stress-" + name + ".pdu"), "wb") as f:
-            f.write(bytes([0x01, 0x06, 0x01, 0xB6]) + body)
+        pdu = bytes([0x01, 0x06, 0x01, 0xB6]) + body
+        write("wbxml_tree", name + ".wbxml", body)
+        write("pipeline", name + ".pdu", pdu)
+        if i == 0:
+            write("push_header", name + ".pdu", pdu)
 
 
 if __name__ == "__main__":
