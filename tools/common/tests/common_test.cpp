@@ -9,7 +9,7 @@
 
 #include "pushkey.h"
 #include "sms.h"
-#include "tpdu_writer.h"
+#include "sms_encode.h"
 
 namespace cpcommon {
 namespace {
@@ -109,8 +109,20 @@ TEST(Sms, EightBitCodingOnly) {
         EXPECT_FALSE(EightBitCoding(dcs)) << int(dcs);
 }
 
-// Every form the writer makes reads back as written, and the segments join
-// whatever the order.
+// The SMSC address +31 624 000 000, as modems print it before a TPDU.
+const Bytes kSmsc = {0x07, 0x91, 0x13, 0x26, 0x04, 0x00, 0x00, 0xF0};
+
+// `message` as the encoder cuts it, WAP push ports and concatenation in each.
+std::vector<SmsSegment> Segments(const Bytes &message, std::size_t max_user_data, SmsKind kind) {
+    SmsAddress address;
+    AddressFromNumber("+31628870634", &address);
+    std::vector<SmsSegment> segments;
+    std::string error;
+    EXPECT_TRUE(SegmentPush(message, kind, address, 0x18, max_user_data, &segments, &error)) << error;
+    return segments;
+}
+
+// Every form reads back as written, and the segments join whatever the order.
 TEST(Sms, WrittenSegmentsReadBackAndJoinInAnyOrder) {
     Bytes message(300);
     for (std::size_t i = 0; i < message.size(); ++i) message[i] = static_cast<unsigned char>(i * 7);
@@ -118,12 +130,21 @@ TEST(Sms, WrittenSegmentsReadBackAndJoinInAnyOrder) {
         for (bool smsc : {false, true}) {
             for (bool ref16 : {false, true}) {
                 SCOPED_TRACE(testing::Message() << int(kind) << smsc << ref16);
-                const std::vector<SmsSegment> written = test::Split(message, 120, kind, ref16);
+                std::vector<SmsSegment> written = Segments(message, 140, kind);
+                ASSERT_EQ(written.size(), 3u);
                 std::vector<SmsSegment> read;
                 for (auto it = written.rbegin(); it != written.rend(); ++it) {
+                    it->ref16 = ref16;
+                    it->ref = ref16 ? 0x1234 : it->ref;
+                    Bytes tpdu = EncodeTpdu(*it, 0);
+                    if (kind == SmsKind::kSubmit && ref16) {  // a one-byte relative validity period
+                        tpdu[0] |= 0x10;
+                        tpdu.insert(tpdu.begin() + 4 + tpdu[2] / 2 + tpdu[2] % 2 + 2, 0xA7);
+                    }
+                    if (smsc) tpdu.insert(tpdu.begin(), kSmsc.begin(), kSmsc.end());
                     SmsSegment s;
                     std::string error;
-                    ASSERT_TRUE(ParseTpdu(test::WriteTpdu(*it, smsc), &s, &error)) << error;
+                    ASSERT_TRUE(ParseTpdu(tpdu, &s, &error)) << error;
                     EXPECT_EQ(s, *it);
                     read.push_back(s);
                 }
@@ -137,8 +158,8 @@ TEST(Sms, WrittenSegmentsReadBackAndJoinInAnyOrder) {
 }
 
 TEST(Sms, DamagedTpduSaysWhy) {
-    const SmsSegment good = test::Split(Bytes(10, 0xAB), 120, SmsKind::kDeliver)[0];
-    const Bytes tpdu = test::WriteTpdu(good, false);  // UDH at 22: 06 05 04 0B 84 23 F0
+    const SmsSegment good = Segments(Bytes(10, 0xAB), 140, SmsKind::kDeliver)[0];
+    const Bytes tpdu = EncodeTpdu(good, 0);  // UDH at 19: 06 05 04 0B 84 23 F0
     auto with = [&](std::size_t at, unsigned char value) {
         Bytes t = tpdu;
         t[at] = value;
@@ -148,7 +169,7 @@ TEST(Sms, DamagedTpduSaysWhy) {
     SmsSegment concat = good;
     concat.concatenated = true;
     concat.total = 2;
-    Bytes bad_seq = test::WriteTpdu(concat, false);
+    Bytes bad_seq = EncodeTpdu(concat, 0);
     bad_seq[bad_seq.size() - 11] = 0;  // its sequence number
     const struct {
         Bytes tpdu;
@@ -174,11 +195,11 @@ TEST(Sms, DamagedTpduSaysWhy) {
 }
 
 TEST(Sms, JoinRefusesForeignRepeatedAndMissingSegments) {
-    const std::vector<SmsSegment> three = test::Split(Bytes(30, 1), 10, SmsKind::kDeliver);
+    const std::vector<SmsSegment> three = Segments(Bytes(30, 1), 22, SmsKind::kDeliver);
     std::vector<SmsSegment> other_ref = three, other_kind = three;
     other_ref[2].ref = 0x19;
     other_kind[1].kind = SmsKind::kSubmit;
-    const std::vector<SmsSegment> whole = test::Split(Bytes(5, 1), 10, SmsKind::kDeliver);
+    const std::vector<SmsSegment> whole = Segments(Bytes(5, 1), 22, SmsKind::kDeliver);
     const struct {
         std::vector<SmsSegment> segments;
         const char *error;

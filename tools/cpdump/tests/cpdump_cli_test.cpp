@@ -22,7 +22,7 @@
 #include <string>
 #include <vector>
 
-#include "tpdu_writer.h"
+#include "sms_encode.h"
 
 extern char **environ;
 
@@ -382,12 +382,19 @@ std::vector<fs::path> CorpusPdus() {
     return pdus;
 }
 
-// The PDU as TPDUs in hex, in segment order.
-std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t size, bool submit, bool smsc) {
+// The PDU as TPDUs in hex, in segment order, optionally behind an SMSC address.
+std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t max_user_data, bool submit, bool smsc) {
     using namespace cpcommon;
+    SmsAddress address;
+    AddressFromNumber("+31628870634", &address);
+    std::vector<SmsSegment> segments;
+    std::string error;
+    EXPECT_TRUE(SegmentPush(pdu, submit ? SmsKind::kSubmit : SmsKind::kDeliver, address, 0x18, max_user_data,
+                            &segments, &error))
+        << error;
     std::vector<std::string> tpdus;
-    for (const SmsSegment &s : test::Split(pdu, size, submit ? SmsKind::kSubmit : SmsKind::kDeliver))
-        tpdus.push_back(ToHex(test::WriteTpdu(s, smsc), "", "", 0));
+    for (const SmsSegment &s : segments)
+        tpdus.push_back((smsc ? "07911326040000F0" : "") + ToHex(EncodeTpdu(s, 0), "", "", 0));
     return tpdus;
 }
 
@@ -398,7 +405,7 @@ TEST(SmsInput, EveryCorpusPduDecodesAsItsSegments) {
     std::mt19937 random(2948);
     const std::vector<fs::path> pdus = CorpusPdus();
     EXPECT_EQ(pdus.size(), 85u);
-    const std::size_t sizes[] = {128, 67, 30};
+    const std::size_t sizes[] = {140, 79, 42};
     int cut = 0;
     for (const fs::path &path : pdus) {
         const Result whole = RunCpdump({path.string()});
@@ -424,10 +431,11 @@ TEST(SmsInput, EveryCorpusPduDecodesAsItsSegments) {
 // Modem output as captured, and what is wrong with a set of TPDUs.
 TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
     const Bytes pdu = ReadBytes(kCorpus / "ws-bank-userpin.pdu");
-    const std::vector<std::string> tpdus = Tpdus(pdu, 150, false, true);
-    ASSERT_EQ(tpdus.size(), 3u);
+    const std::vector<std::string> tpdus = Tpdus(pdu, 140, false, true);
+    ASSERT_EQ(tpdus.size(), 4u);
     const std::string capture = "AT+CMGL=4\r\n+CMGL: 1,0,,140\r\n" + tpdus[2] + "\r\n+CMGL: 2,0,,140\r\n" +
-                                tpdus[0] + "\r\n\r\n+CMGL: 3,0,,120\r\n" + tpdus[1] + "\r\n\r\nOK\r\n";
+                                tpdus[0] + "\r\n\r\n+CMGL: 3,0,,120\r\n" + tpdus[1] + "\r\n" + tpdus[3] +
+                                "\r\nOK\r\n";
     const std::string seven_bit = [&] {
         std::string t = tpdus[0];
         t.replace(2 * (8 + 10), 2, "00");  // DCS after the SMSC (8 bytes), GSM 7-bit
@@ -442,11 +450,14 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
     } cases[] = {
         {{"-"}, capture, 0, ""},
         {{"--sms", "-"}, capture, 0, ""},
-        {{"--sms", "-"}, tpdus[0] + "\n" + tpdus[2], 1, "cpdump: segment 2 of 3 is missing\n"},
+        {{"--sms", "-"},
+         tpdus[0] + "\n" + tpdus[2] + "\n" + tpdus[3],
+         1,
+         "cpdump: segment 2 of 4 is missing\n"},
         {{"--sms", "-"},
          tpdus[1] + "\n" + tpdus[0] + "\n" + tpdus[1],
          1,
-         "cpdump: SMS 3 repeats segment 2 of 3 (SMS 1)\n"},
+         "cpdump: SMS 3 repeats segment 2 of 4 (SMS 1)\n"},
         {{"--sms", "-"},
          seven_bit,
          1,
