@@ -17,6 +17,7 @@ public final class ProvisioningException extends Exception {
     DOCUMENT
   }
 
+  /** Which part was refused. */
   private final Reason reason;
 
   ProvisioningException(Reason reason) {

@@ -29,7 +29,7 @@ public final class ProvisioningMessage {
    * @return the header and the document
    * @throws ProvisioningException if the header or the document is refused
    */
-  public static @NotNull ProvisioningMessage parse(byte @NotNull [] pdu)
+  public static @NotNull ProvisioningMessage parse(@NotNull byte[] pdu)
       throws ProvisioningException {
     Objects.requireNonNull(pdu, "pdu");
     synchronized (XCPCtxParser.class) {
@@ -57,7 +57,7 @@ public final class ProvisioningMessage {
    * @throws ProvisioningException with reason {@link ProvisioningException.Reason#HEADER} if the
    *     header is refused
    */
-  public static @NotNull PushHeader parseHeader(byte @NotNull [] pdu) throws ProvisioningException {
+  public static @NotNull PushHeader parseHeader(@NotNull byte[] pdu) throws ProvisioningException {
     Objects.requireNonNull(pdu, "pdu");
     synchronized (XCPCtxParser.class) {
       try {

@@ -63,7 +63,7 @@ public final class PushHeader {
   }
 
   /** {@return a copy of the body: the WBXML provisioning document the MAC is made over} */
-  public byte @NotNull [] body() {
+  public @NotNull byte[] body() {
     return body.clone();
   }
 

@@ -8,7 +8,9 @@ package com.tqomacp.eng.parser;
  * "tqomacp"; the system property {@code tqomacp.library} may name the file directly.
  */
 public final class TqomacpLibrary {
+  /** The library's name for {@link System#loadLibrary}: the file is libtqomacp.so. */
   public static final String NAME = "tqomacp";
+  /** System property that names the library file by its path, overriding the name. */
   public static final String PATH_PROPERTY = "tqomacp.library";
 
   private static boolean loaded;
@@ -37,6 +39,7 @@ public final class TqomacpLibrary {
     }
   }
 
+  /** {@return whether the library has been loaded by this class loader} */
   public static synchronized boolean isLoaded() {
     return loaded;
   }
