@@ -14,11 +14,13 @@ rm -rf "$work" && mkdir -p "$work/app" && cd "$work"
 "$jdk/jar" xf "$lib_jar" META-INF/proguard/tqomacp.pro
 
 # ProGuard 6.2 reads class files up to Java 13, so not the JDK 17 runtime:
-# java.* stays unresolved, which changes nothing that is kept.
+# java.* and javax.* stay unresolved, which changes nothing that is kept.
 cat >app.pro <<PRO
 -injars app
 -injars $lib_jar(!META-INF/**)
 -dontwarn java.**
+-dontwarn javax.**
+-dontwarn org.jetbrains.annotations.**
 -keep public class KeepRulesApp { public static void main(java.lang.String[]); }
 -keepclasseswithmembernames class * { native <methods>; }
 PRO
