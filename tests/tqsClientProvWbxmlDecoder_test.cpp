@@ -9,11 +9,13 @@
 #include <cstring>
 #include <map>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "corpus.h"
 #include "mem_check.h"
+#include "tqslist.h"
 #include "tqsmemory.h"
 #include "trace_capture.h"
 #include "wap_tree.h"
@@ -357,19 +359,26 @@ TEST_F(Decoder, Content) {
 }
 
 TEST_F(Decoder, OpaqueLongerThanTheBody) {
-    // Declares 200 bytes, has 2: the two are copied, the block is small, and
-    // the next read fails.
-    Open({0xC3, 0x81, 0x48, 'h', 'i'});
-    char *text = nullptr;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
-    EXPECT_EQ(Text(text), "hi");
-    std::vector<LiveBlock> live = mem_.Live();
-    auto block = std::find_if(live.begin(), live.end(), [&](auto &b) { return b.address == text; });
-    ASSERT_NE(block, live.end());
-    EXPECT_EQ(block->size, 4u);  // remaining body + 2
+    // Has 2 bytes at offset 3 of a 5-byte body, whose padding ends at 518
+    // (5 + 512 + 1): a length up to 515 gets its whole block, a longer one a
+    // block cut to the body; the next read fails either way.
+    const struct {
+        uint8_t length[2];
+        uint32_t block;
+    } cases[] = {{{0x81, 0x48}, 202}, {{0x84, 0x03}, 517}, {{0x84, 0x04}, 4}};
     uint8_t id;
-    EXPECT_EQ(tqsClientProvWbxmlDecoderReadElement(dec_, &id), 0x1007u);
-    tqsMemFree_debug(text);
+    char *text = nullptr;
+    for (const auto &c : cases) {
+        Open({0xC3, c.length[0], c.length[1], 'h', 'i'});
+        EXPECT_EQ(tqsClientProvWbxmlDecoderContent(dec_, &text), 0u);
+        EXPECT_EQ(Text(text), "hi");
+        std::vector<LiveBlock> live = mem_.Live();
+        auto block = std::find_if(live.begin(), live.end(), [&](auto &b) { return b.address == text; });
+        ASSERT_NE(block, live.end());
+        EXPECT_EQ(block->size, c.block);
+        EXPECT_EQ(tqsClientProvWbxmlDecoderReadElement(dec_, &id), 0x1007u);
+        tqsMemFree_debug(text);
+    }
 
     Open({0xC3, 0x02, 'a', 0, 0x01});  // embedded zero: the text ends there
     uint32_t length = 0;
@@ -850,6 +859,61 @@ TEST_F(Decoder, UnknownParmTraces) {
         const Lines &lines = trace.lines();
         EXPECT_NE(std::search(lines.begin(), lines.end(), c.lines.begin(), c.lines.end()), lines.end())
             << trace.Joined();
+    }
+}
+
+TEST_F(Decoder, ApplicationAndResourceParmsTraceTheirLabels) {
+    const std::pair<prov::Token, const char *> tables[] = {
+        {prov::kApplication,
+         "07 NAME 14 INTERNET 22 TO_NAPID 2E AACCEPT 34 ADDR 36 APPID 37 APROTOCOL 38 PROVIDER_ID 39 "
+         "TO_PROXY"},
+        {prov::kResource,
+         "07 NAME 1C STARTPAGE 2E AACCEPT 2F AAUTHDATA 31 AAUTHNAME 32 AAUTHSECRET 33 AAUTHTYPE 3A URI"},
+    };
+    for (const auto &[type, parms] : tables) {
+        std::istringstream in(parms);
+        unsigned parm;
+        std::string label;
+        while (in >> std::hex >> parm >> label) {
+            TraceCapture trace;
+            wbxml::Builder b = In(type);
+            b.Tag(prov::kTagParm, false, true).Bytes({static_cast<uint8_t>(parm), prov::kValueAttr});
+            Tree(b.StrI("v").End().End().End());
+            const std::string line = "SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME_" + label + "\n";
+            EXPECT_EQ(std::count(trace.lines().begin(), trace.lines().end(), line), 1) << line;
+        }
+    }
+}
+
+// Seventeen 1 MiB values are no join and decode; one value extended past the
+// 16 MiB the joins of a decode may copy fails there as a failed allocation of
+// that join does: a token is dropped, an inline string ends the value.
+TEST_F(Decoder, JoinBoundCountsOnlyJoinsAndFailsLikeTheirAllocation) {
+    wbxml::Builder values = In(prov::kPxLogical);
+    for (int i = 0; i < 17; ++i) values.Parm(prov::kDomain, std::string(1 << 20, 'x'));
+    EXPECT_EQ(Decode(values.End().End().Build()), 0u);
+    const struct {
+        Bytes piece;
+        TqsResult status;
+        const char *line;
+        size_t length;  // of the joined value: sixteen joins fit
+    } joins[] = {
+        {{prov::kIpv4},
+         0,
+         "[Error] [tqsClientProvWbxmlDecoderGetParamTokenVal] pszData NULL",
+         1000000 + 16 * 4},
+        {{0x03, 'y', 0}, 0x1007, "[Error] [tqsClientProvWbxmlDecoderGetStr] pszData NULL", 0},
+    };
+    for (const auto &j : joins) {
+        wbxml::Builder b = In(prov::kNapDef);
+        b.Tag(prov::kTagParm, false, true).Bytes({0x07, prov::kValueAttr}).StrI(std::string(1000000, 'x'));
+        for (int i = 0; i < 17; ++i) b.Bytes(j.piece);
+        TraceCapture trace;
+        EXPECT_EQ(Decode(b.End().End().End().Build()), j.status);
+        EXPECT_EQ(trace.Count(j.line), 1u) << j.line;
+        if (j.status != 0) continue;
+        auto *character = static_cast<tqsWapCharacter *>(doc_->ptCharacterList->ptHead->pItem);
+        EXPECT_EQ(strlen(character->ptNapDef->pszName), j.length);
     }
 }
 

@@ -177,7 +177,7 @@ TEST(PushHeader, SecMacAndBody) {
     }
 }
 
-TEST(PushHeader, RefusedBeforeAnythingIsAllocated) {
+TEST(PushHeader, RefusedLeavingNothingAllocated) {
     struct Case {
         const char *name;
         Bytes pdu;
@@ -203,8 +203,42 @@ TEST(PushHeader, RefusedBeforeAnythingIsAllocated) {
     EXPECT_TRUE(check.Live().empty());
 }
 
+// The caller's length drives the arithmetic as given; the bytes that exist
+// bound every read, and a body copy that would leave them refuses the PDU.
+TEST(PushHeader, LengthUsedAsGivenWhileReadsStayInTheBytes) {
+    const Bytes pdu = {0x01, 0x06, 0x01, 0xB6, 0x91, 0x80, 0xAA};  // SEC after the header block
+    const struct {
+        uint64_t total;
+        bool ok;
+        uint64_t bodyLen;
+    } cases[] = {
+        {4, true, 0},  // SEC read past the length, inside the bytes
+        {(uint64_t{1} << 32) + 7, true, (uint64_t{1} << 32) + 3},  // copy count: the low 32 bits
+        {8, false, 0},                                             // one byte past the array
+        {3, false, 0},  // 2^32 - 1 bytes: the block size would wrap
+        {2, false, 0},
+        {UINT64_MAX, false, 0},  // a negative Java long
+    };
+    std::unique_ptr<unsigned char[]> exact = Exact(pdu);
+    for (const auto &c : cases) {
+        MemCheck check;
+        std::unique_ptr<SmlPushHeader, FreeHeader> h(
+            smlpushHdlrParsingWSPHeaderIn(exact.get(), c.total, pdu.size()));
+        EXPECT_EQ(h != nullptr, c.ok) << c.total;
+        if (h == nullptr) {
+            EXPECT_TRUE(check.Live().empty()) << c.total;
+            continue;
+        }
+        EXPECT_EQ(h->nSEC, 0x80u);
+        EXPECT_EQ(h->nBodyLen, c.bodyLen);
+        EXPECT_EQ(Bytes(h->pBody, h->pBody + static_cast<uint32_t>(c.bodyLen)),
+                  Bytes(pdu.begin() + 4, pdu.begin() + 4 + static_cast<uint32_t>(c.bodyLen)));
+    }
+}
+
 // The sources' own PDUs (the group with either SEC) are also cut after every
-// byte: shorter than the header they are refused before anything is allocated.
+// byte: shorter than the header they are refused, leaving nothing allocated
+// but the record of a cut before the content type (an unknown one).
 TEST(PushHeader, CorpusPdus) {
     const struct {
         const char *pattern;
@@ -238,7 +272,8 @@ TEST(PushHeader, CorpusPdus) {
             for (size_t n = 0; group.sec == 0 && n < pdu.size(); ++n) {
                 p = Parse(Bytes(pdu.begin(), pdu.begin() + static_cast<long>(n)));
                 EXPECT_EQ(p.header == nullptr, n < headerEnd) << n;
-                EXPECT_EQ(p.live.size(), n < headerEnd ? 0u : 2u) << n;
+                const bool noType = n >= 3 && n <= (pdu[3] == 0x1F ? 5u : 3u);
+                EXPECT_EQ(p.live.size(), noType ? 1u : n < headerEnd ? 0u : 2u) << n;
                 if (p.header == nullptr) continue;
                 EXPECT_EQ(p.header->nBodyLen, n - headerEnd) << n;
                 EXPECT_EQ(p.header->nMACLen, 40u) << n;

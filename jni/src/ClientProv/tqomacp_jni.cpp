@@ -623,12 +623,12 @@ JNIEXPORT jboolean JNICALL jni_tqomacp_parser(JNIEnv *env, jclass, jbyteArray pd
     // A null array has no bytes; the header parser refuses the null PDU.
     jbyte *bytes = pdu == nullptr ? nullptr : env->GetByteArrayElements(pdu, &isCopy);
     const jsize arrayLength = pdu == nullptr ? 0 : env->GetArrayLength(pdu);
-    // The elements are not released: the record keeps copies only. A len
-    // beyond the array (negative included) is cut to the array's length.
-    uint64_t total = static_cast<uint64_t>(len);
-    if (len < 0 || total > static_cast<uint64_t>(arrayLength)) total = static_cast<uint64_t>(arrayLength);
-
-    ptPushHeader = smlpushHdlrParsingWSPHeader(reinterpret_cast<const unsigned char *>(bytes), total);
+    // The elements are not released: the record keeps copies only. len goes
+    // to the header parser as given (a negative one as its 64-bit pattern);
+    // the array's length bounds what it reads.
+    const uint64_t readable = bytes == nullptr || arrayLength < 0 ? 0 : static_cast<uint64_t>(arrayLength);
+    ptPushHeader = smlpushHdlrParsingWSPHeaderIn(reinterpret_cast<const unsigned char *>(bytes),
+                                                 static_cast<uint64_t>(len), readable);
     if (ptPushHeader == nullptr) return JNI_FALSE;
     if (mode == 1) return JNI_TRUE;
 

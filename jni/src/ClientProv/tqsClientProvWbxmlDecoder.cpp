@@ -71,6 +71,16 @@ inline void StepBack(tqsWbxmlDecoder *ptDecoder) {
     if (Buf(ptDecoder)->pHead > Buf(ptDecoder)->pBase) --Buf(ptDecoder)->pHead;
 }
 
+// Bytes of the body and its zero padding in a buffer created at the body's
+// size and filled by one append, which grows it by the size + 256 (at least
+// 512), with the zero at pEnd. The decoder's buffer is created one byte
+// larger and never grows, so readers take the padding past it as zeros.
+inline uint64_t PaddedSize(const tqsWbxmlDecoder *ptDecoder) {
+    uint64_t nBody = ptDecoder->ptBuffer->nDataSize;
+    uint64_t nGrowth = nBody + 256 < 512 ? 512 : nBody + 256;
+    return nBody == 0 ? 1 : nBody + nGrowth + 1;
+}
+
 // Moves the position forward by n, never past the zero that ends the storage.
 inline void Advance(tqsWbxmlDecoder *ptDecoder, uint32_t n) {
     SmlBuffer *ptBuf = Buf(ptDecoder);
@@ -93,11 +103,12 @@ inline uint32_t TextLen(const char *psz) {
 // another value into the same text (see ParamListString): joining must not free it.
 const char *g_pszListedText = nullptr;
 
-// Bytes the joins of the current decode have allocated so far. Every join
+// Bytes the joins of the current decode have copied so far. Every join
 // copies the whole text, so a document that keeps extending one value
 // (repeated parms, long runs of string-table references) would cost time and
 // memory quadratic in its size: past kJoinBudget a join fails the way a failed
-// allocation does. Real documents join a few kilobytes. Reset by each decode.
+// allocation does. A first copy is no join and is not counted. Real documents
+// join a few kilobytes. Reset by each decode.
 constexpr uint64_t kJoinBudget = uint64_t{16} << 20;
 uint64_t g_nJoinBytes = 0;
 
@@ -106,8 +117,10 @@ bool JoinText(char **ppszText, const char *pAdd, uint32_t nAddLen, Join eJoin) {
     uint32_t nOld = TextLen(pszOld);
     uint32_t nSep = (pszOld != nullptr && eJoin != Join::kAppend) ? 1 : 0;
     const uint64_t nNew = uint64_t{nOld} + nSep + nAddLen + 1;
-    if (g_nJoinBytes + nNew > kJoinBudget) return false;
-    g_nJoinBytes += nNew;
+    if (pszOld != nullptr) {
+        if (g_nJoinBytes + nNew > kJoinBudget) return false;
+        g_nJoinBytes += nNew;
+    }
     char *pszNew = static_cast<char *>(tqsMemAlloc_debug(static_cast<uint32_t>(nNew), kUnitPath, __LINE__));
     if (pszNew == nullptr) return false;
     if (nOld != 0) memcpy(pszNew, pszOld, nOld);
@@ -523,15 +536,20 @@ extern "C" int tqsClientProvWbxmlDecoderGetStrExtension(tqsWbxmlDecoder *ptDecod
     uint32_t nLength;
     if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, &nLength)) return 0;
     *pnLength = nLength;
-    // Only bytes the body has are copied (the rest reads as zeros); a longer
-    // declared length moves the position to the end of the body.
+    // A length that runs into the zero padding behind the body gets its whole
+    // block, zeros for the padding (the position then stops at the end of the
+    // storage, past every read). One that would leave the padding is cut to
+    // the body's bytes.
     uint32_t nAvail = Remaining(ptDecoder);
     uint32_t nCopy = nLength < nAvail ? nLength : nAvail;
-    char *pszData = static_cast<char *>(tqsMemAllocSetZero_debug(nCopy + 2, kUnitPath, __LINE__));
+    bool bPadded =
+        nLength <= UINT32_MAX - 2 && uint64_t{Consumed(ptDecoder)} + nLength <= PaddedSize(ptDecoder);
+    uint32_t nSize = bPadded ? nLength : nCopy;
+    char *pszData = static_cast<char *>(tqsMemAllocSetZero_debug(nSize + 2, kUnitPath, __LINE__));
     if (pszData == nullptr) return 0;
     memcpy(pszData, Buf(ptDecoder)->pHead, nCopy);
     *ppszText = pszData;
-    Buf(ptDecoder)->pHead += nCopy;
+    Advance(ptDecoder, nSize);
     return 1;
 }
 
@@ -1192,6 +1210,7 @@ struct ParmHandler {
 
 #define TQS_P(byte, kind, type, field) \
     { byte, ParmKind::kind, static_cast<uint16_t>(offsetof(type, field)), nullptr }
+// label: what follows "SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME" in the traced line.
 #define TQS_PL(byte, kind, type, field, label)                              \
     {                                                                       \
         byte, ParmKind::kind, static_cast<uint16_t>(offsetof(type, field)), \
@@ -1270,15 +1289,15 @@ constexpr ParmEntry kValidityParms[] = {
 };
 constexpr ParmEntry kApplicationParms[] = {
     TQS_NAME("SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME"),
-    TQS_PL(0x07, kSingle, tqsWapApplication, pszName, "_NAME_NAME"),
-    TQS_PL(0x14, kSingle, tqsWapApplication, pszInternet, "_NAME_INTERNET"),
-    TQS_PL(0x22, kList, tqsWapApplication, ptToNapIdList, "_NAME_TO_NAPID"),
-    TQS_PL(0x2E, kSingle, tqsWapApplication, pszAAccept, "_NAME_AACCEPT"),
-    TQS_PL(0x34, kList, tqsWapApplication, ptAddrList, "_NAME_ADDR"),
-    TQS_PL(0x36, kSingle, tqsWapApplication, pszAppId, "_NAME_APPID"),
-    TQS_PL(0x37, kSingle, tqsWapApplication, pszAProtocol, "_NAME_APROTOCOL"),
-    TQS_PL(0x38, kSingle, tqsWapApplication, pszProviderId, "_NAME_PROVIDER_ID"),
-    TQS_PL(0x39, kList, tqsWapApplication, ptToProxyList, "_NAME_TO_PROXY"),
+    TQS_PL(0x07, kSingle, tqsWapApplication, pszName, "_NAME"),
+    TQS_PL(0x14, kSingle, tqsWapApplication, pszInternet, "_INTERNET"),
+    TQS_PL(0x22, kList, tqsWapApplication, ptToNapIdList, "_TO_NAPID"),
+    TQS_PL(0x2E, kSingle, tqsWapApplication, pszAAccept, "_AACCEPT"),
+    TQS_PL(0x34, kList, tqsWapApplication, ptAddrList, "_ADDR"),
+    TQS_PL(0x36, kSingle, tqsWapApplication, pszAppId, "_APPID"),
+    TQS_PL(0x37, kSingle, tqsWapApplication, pszAProtocol, "_APROTOCOL"),
+    TQS_PL(0x38, kSingle, tqsWapApplication, pszProviderId, "_PROVIDER_ID"),
+    TQS_PL(0x39, kList, tqsWapApplication, ptToProxyList, "_TO_PROXY"),
 };
 constexpr ParmEntry kAppAddrParms[] = {
     TQS_P(0x34, kSingle, tqsWapAppAddr, pszAddr),
@@ -1290,14 +1309,14 @@ constexpr ParmEntry kAppAuthParms[] = {
     TQS_P(0x33, kSingle, tqsWapAppAuth, pszAAuthType), TQS_P(kTokComma, kComma, tqsWapAppAuth, pszAAuthType),
 };
 constexpr ParmEntry kResourceParms[] = {
-    TQS_PL(0x07, kSingle, tqsWapResource, pszName, "_NAME_NAME"),
-    TQS_PL(0x1C, kStartPage, tqsWapResource, pszStartPage, "_NAME_STARTPAGE"),
-    TQS_PL(0x2E, kSingle, tqsWapResource, pszAAccept, "_NAME_AACCEPT"),
-    TQS_PL(0x2F, kSingle, tqsWapResource, pszAAuthData, "_NAME_AAUTHDATA"),
-    TQS_PL(0x31, kSingle, tqsWapResource, pszAAuthName, "_NAME_AAUTHNAME"),
-    TQS_PL(0x32, kSingle, tqsWapResource, pszAAuthSecret, "_NAME_AAUTHSECRET"),
-    TQS_PL(0x33, kSingle, tqsWapResource, pszAAuthType, "_NAME_AAUTHTYPE"),
-    TQS_PL(0x3A, kSingle, tqsWapResource, pszUri, "_NAME_URI"),
+    TQS_PL(0x07, kSingle, tqsWapResource, pszName, "_NAME"),
+    TQS_PL(0x1C, kStartPage, tqsWapResource, pszStartPage, "_STARTPAGE"),
+    TQS_PL(0x2E, kSingle, tqsWapResource, pszAAccept, "_AACCEPT"),
+    TQS_PL(0x2F, kSingle, tqsWapResource, pszAAuthData, "_AAUTHDATA"),
+    TQS_PL(0x31, kSingle, tqsWapResource, pszAAuthName, "_AAUTHNAME"),
+    TQS_PL(0x32, kSingle, tqsWapResource, pszAAuthSecret, "_AAUTHSECRET"),
+    TQS_PL(0x33, kSingle, tqsWapResource, pszAAuthType, "_AAUTHTYPE"),
+    TQS_PL(0x3A, kSingle, tqsWapResource, pszUri, "_URI"),
 };
 constexpr ParmEntry kBootstrapParms[] = {
     TQS_P(0x07, kSingle, tqsWapBootstrap, pszName),

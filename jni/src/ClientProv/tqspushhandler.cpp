@@ -124,21 +124,19 @@ void ReadMac(const Pdu &pdu, uint64_t *index, SmlPushHeader *header) {
 
 extern "C" {
 
-SmlPushHeader *smlpushHdlrParsingWSPHeader(const unsigned char *pdu, uint64_t total_len) {
+SmlPushHeader *smlpushHdlrParsingWSPHeaderIn(const unsigned char *pdu, uint64_t total_len,
+                                             uint64_t readable) {
     if (pdu == nullptr) return nullptr;
-    // Too short for the type and header length bytes, or for the header block
-    // that the length byte announces: refused before anything is allocated.
-    if (total_len < 3) return nullptr;
+    // The type and header length bytes lie beyond the bytes there are.
+    if (readable < 3) return nullptr;
     if (pdu[1] != kPduTypePush) return nullptr;
-    uint64_t headerLen = pdu[2];
-    if (total_len < headerLen + 3) return nullptr;
 
     auto *header = static_cast<SmlPushHeader *>(
         tqsMemAllocSetZero_debug(sizeof(SmlPushHeader) + 1, kUnitPath, kLineRecord));
     if (header == nullptr) return nullptr;
-    header->nHeaderLen = headerLen;
+    header->nHeaderLen = pdu[2];
 
-    const Pdu bounded{pdu, total_len};
+    const Pdu bounded{pdu, readable};
     uint64_t index = 3;
     if (bounded.At(index) == kLengthQuote) index += 2;  // the quote and a length byte, whatever it says
 
@@ -147,19 +145,25 @@ SmlPushHeader *smlpushHdlrParsingWSPHeader(const unsigned char *pdu, uint64_t to
     ReadSec(bounded, &index, header);
     ReadMac(bounded, &index, header);
 
-    header->nBodyLen = total_len - 2 - headerLen - 1;
+    // Unsigned arithmetic on the caller's length, underflow included.
+    header->nBodyLen = total_len - 2 - header->nHeaderLen - 1;
     // The body always starts right after the announced header block.
-    index = headerLen + 3;
+    index = header->nHeaderLen + 3;
     uint32_t bodyLen = static_cast<uint32_t>(header->nBodyLen);
-    // bodyLen + 1 in 32 bits would wrap to a zero-byte block: refuse the PDU.
-    if (bodyLen == UINT32_MAX) {
+    // bodyLen + 1 in 32 bits would wrap to a zero-byte block, and a copy past
+    // the bytes there are reads what is not the PDU's: refuse the PDU.
+    if (bodyLen == UINT32_MAX || (bodyLen != 0 && index + bodyLen > readable)) {
         tqsMemFree_debug(header);
         return nullptr;
     }
     header->pBody = static_cast<unsigned char *>(tqsMemAllocSetZero_debug(bodyLen + 1, kUnitPath, kLineBody));
     // Nothing to copy into when the body allocation failed.
-    if (header->pBody != nullptr) tqsMemCpy(header->pBody, pdu + index, bodyLen);
+    if (header->pBody != nullptr && bodyLen != 0) tqsMemCpy(header->pBody, pdu + index, bodyLen);
     return header;
+}
+
+SmlPushHeader *smlpushHdlrParsingWSPHeader(const unsigned char *pdu, uint64_t total_len) {
+    return smlpushHdlrParsingWSPHeaderIn(pdu, total_len, total_len);
 }
 
 }  // extern "C"

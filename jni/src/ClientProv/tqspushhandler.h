@@ -29,8 +29,13 @@ typedef struct SmlPushHeader {
 #define SML_PUSH_CT_SYNCML_DM_WBXML 0x42u
 
 // A new record owned by the caller (free pBody and the record with
-// tqsMemFree_debug), or null when the PDU is refused.
+// tqsMemFree_debug), or null when the PDU is refused. total_len bytes at pdu
+// must exist.
 SmlPushHeader *smlpushHdlrParsingWSPHeader(const unsigned char *pdu, uint64_t total_len);
+// The same where only `readable` bytes at pdu exist: total_len still gives the
+// body length, but nothing at or beyond readable is read, and a body copy
+// that would reach there refuses the PDU.
+SmlPushHeader *smlpushHdlrParsingWSPHeaderIn(const unsigned char *pdu, uint64_t total_len, uint64_t readable);
 
 #ifdef __cplusplus
 }
