@@ -178,8 +178,8 @@ int Error(const std::string &message) {
 // The body from the input: the XML encoded, or with --wrap the bytes as given.
 bool MakeBody(const Options &o, Bytes *body, std::string *error) {
     Bytes input;
-    if (o.wrap) return cpdump::LoadPdu(o.input, body, error);
     if (!cpdump::ReadAll(o.input, &input, error)) return false;
+    if (o.wrap) return cpdump::HexOrBinary(input, o.input, body, error);
     Node doc;
     XmlError xml;
     std::vector<std::string> warnings;

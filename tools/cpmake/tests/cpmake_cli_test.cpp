@@ -139,6 +139,47 @@ TEST(Output, WrapsAndSignsLikeTheCorpusPdus) {
     EXPECT_GE(checked, 30);
 }
 
+TEST(Output, SignaturesVerifyWithCpdump) {
+    const std::string xml = (kCorpus / "cpc-email.xml").string();
+    const struct {
+        const char *make, *check, *result;
+        int exit;
+    } cases[] = {
+        {"--pin 1234", "--pin 1234", "USERPIN\",\n    \"result\": \"authentic", 0},
+        {"--imsi 466923103145252", "--imsi 466923103145252", "NETWPIN\",\n    \"result\": \"authentic", 0},
+        {"--pin 1234 --imsi 001010123456789", "--pin 1234 --imsi 001010123456789",
+         "USERNETWPIN\",\n    \"result\": \"authentic", 0},
+        {"--pin 1234", "--pin 4321", "\"not authentic", 3},
+        {"--sec USERPIN", "--pin 1234", "\"not signed", 3},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.make);
+        const Result r =
+            Shell(kCpmake + " " + c.make + " " + xml + " | " + kCpdump + " --require-authentic " + c.check + " -");
+        EXPECT_EQ(r.exit, c.exit) << r.err;
+        EXPECT_NE(r.out.find(c.result), std::string::npos) << r.out;
+    }
+}
+
+// Segments in any order, of either kind and several sizes, give the push back.
+TEST(Output, SmsSegmentsReadBackWithCpdump) {
+    const std::string xml = (kCorpus / "sfos-sonera.xml").string();
+    const std::string whole = Shell(kCpmake + " " + xml + " | " + kCpdump + " --xml -").out;
+    for (const char *args : {"--sms", "--sms=submit --sms-size 60", "--sms --sms-size 20 --sms-address 4912"}) {
+        SCOPED_TRACE(args);
+        const Result r = Shell(kCpmake + " " + args + " " + xml + " | shuf | " + kCpdump + " --sms --xml -");
+        EXPECT_EQ(r.exit, 0) << r.err;
+        EXPECT_EQ(r.out, whole);
+    }
+    // A push that fits one SMS goes without concatenation: SMSC field, DELIVER
+    // with UDH, originator, 8-bit data, (time stamp), ports 2948 and 9200.
+    const Result one = Shell(kCpmake + " --sms -", "<wap-provisioningdoc/>");
+    const std::string tail = "10" "0605040B8423F0" "010601B6" "030B6A0005\n";
+    ASSERT_EQ(one.out.size(), 24 + 14 + tail.size()) << one.out;
+    EXPECT_EQ(one.out.substr(0, 24), "00" "44" "0B910100000000F0" "0004");
+    EXPECT_EQ(one.out.substr(24 + 14), tail);
+}
+
 TEST(Errors, NameTheProblemAndWhere) {
     const struct {
         const char *args, *xml, *message;
