@@ -421,6 +421,7 @@ class TqomacpJniSession : public ::testing::Test {
         tqsMemStartMemCheck();
     }
     void TearDown() override {
+        EXPECT_EQ(jvm.elementsOutstanding(), 0u) << "PDU array elements not released";
         jni_tqomacp_parser_del(env, nullptr);
         EXPECT_EQ(TakeLiveBlocks(), std::vector<std::string>()) << "unexpected blocks left";
         tqsMemEndMemCheck();

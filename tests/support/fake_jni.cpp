@@ -111,6 +111,8 @@ struct FakeJvm::State {
     std::map<std::string, std::set<std::pair<std::string, std::string>>> declared;
     std::vector<std::unique_ptr<Object>> objects;
     std::unordered_set<const Object *> live;
+    // Byte array elements handed out and not yet released: copy -> its array.
+    std::map<jbyte *, std::pair<Object *, std::unique_ptr<jbyte[]>>> elements;
     std::vector<Registration> registrations;
     std::string pending;
     std::map<std::string, std::size_t> calls;
@@ -214,10 +216,26 @@ jsize JNICALL envGetArrayLength(JNIEnv *env, jarray array) {
 jbyte *JNICALL envGetByteArrayElements(JNIEnv *env, jbyteArray array, jboolean *isCopy) {
     State *s = State::enter(env, "GetByteArrayElements");
     Object *o = s->resolve(array, Kind::kByteArray, "GetByteArrayElements");
-    // Pinned, not copied: the library never releases elements, and a pinned
-    // array is what makes that harmless.
-    if (isCopy != nullptr) *isCopy = JNI_FALSE;
-    return o->data.get();
+    // A copy of exactly the array's length, as HotSpot makes it: kept until
+    // released, so elements never given back show as outstanding.
+    auto copy = std::make_unique<jbyte[]>(static_cast<std::size_t>(o->length));
+    if (o->length != 0) std::memcpy(copy.get(), o->data.get(), static_cast<std::size_t>(o->length));
+    jbyte *elements = copy.get();
+    s->elements[elements] = {o, std::move(copy)};
+    if (isCopy != nullptr) *isCopy = JNI_TRUE;
+    return elements;
+}
+
+void JNICALL envReleaseByteArrayElements(JNIEnv *env, jbyteArray array, jbyte *elems, jint mode) {
+    State *s = State::enter(env, "ReleaseByteArrayElements");
+    Object *o = s->resolve(array, Kind::kByteArray, "ReleaseByteArrayElements");
+    auto taken = s->elements.find(elems);
+    if (taken == s->elements.end() || taken->second.first != o) {
+        fatal("ReleaseByteArrayElements with elements not taken from this array");
+    }
+    if (mode != JNI_ABORT && o->length != 0)
+        std::memcpy(o->data.get(), elems, static_cast<std::size_t>(o->length));
+    if (mode != JNI_COMMIT) s->elements.erase(taken);
 }
 
 jbyteArray JNICALL envNewByteArray(JNIEnv *env, jsize len) {
@@ -298,6 +316,7 @@ FakeJvm::FakeJvm() : state_(std::make_unique<State>()) {
     t.envTable.RegisterNatives = envRegisterNatives;
     t.envTable.GetArrayLength = envGetArrayLength;
     t.envTable.GetByteArrayElements = envGetByteArrayElements;
+    t.envTable.ReleaseByteArrayElements = envReleaseByteArrayElements;
     t.envTable.NewByteArray = envNewByteArray;
     t.envTable.SetByteArrayRegion = envSetByteArrayRegion;
     t.envTable.NewStringUTF = envNewStringUTF;
@@ -370,6 +389,7 @@ std::vector<std::optional<std::string>> FakeJvm::strings(jobjectArray array) con
 }
 
 void FakeJvm::reset() {
+    state_->elements.clear();
     state_->live.clear();
     state_->objects.clear();
     state_->pending.clear();
@@ -391,6 +411,10 @@ void *FakeJvm::nativeFor(const std::string &className, const std::string &method
 
 const std::string &FakeJvm::pendingException() const {
     return state_->pending;
+}
+
+std::size_t FakeJvm::elementsOutstanding() const {
+    return state_->elements.size();
 }
 
 std::size_t FakeJvm::calls(const std::string &function) const {

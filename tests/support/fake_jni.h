@@ -1,8 +1,9 @@
 // A minimal in-process Java VM for tests, benchmarks and fuzzers: a JavaVM
 // and a JNIEnv whose function tables implement only the calls the library
 // makes (GetEnv, FindClass, RegisterNatives, GetByteArrayElements,
-// GetArrayLength, NewByteArray, SetByteArrayRegion, NewStringUTF,
-// NewObjectArray, SetObjectArrayElement) over plain C++ objects. Every other
+// ReleaseByteArrayElements, GetArrayLength, NewByteArray, SetByteArrayRegion,
+// NewStringUTF, NewObjectArray, SetObjectArrayElement) over plain C++
+// objects. Byte array elements are copies, as HotSpot makes them. Every other
 // slot aborts with its slot number, so a new JNI call in the library shows up
 // at once instead of silently doing nothing.
 //
@@ -87,6 +88,8 @@ class FakeJvm {
     // Name of the last exception a real VM would have left pending (empty when
     // none); cleared by reset().
     const std::string &pendingException() const;
+    // Byte array elements taken and not yet released (JNI_COMMIT keeps them).
+    std::size_t elementsOutstanding() const;
     // Calls per implemented JNI function name, e.g. calls("NewStringUTF").
     std::size_t calls(const std::string &function) const;
 

@@ -623,12 +623,14 @@ JNIEXPORT jboolean JNICALL jni_tqomacp_parser(JNIEnv *env, jclass, jbyteArray pd
     // A null array has no bytes; the header parser refuses the null PDU.
     jbyte *bytes = pdu == nullptr ? nullptr : env->GetByteArrayElements(pdu, &isCopy);
     const jsize arrayLength = pdu == nullptr ? 0 : env->GetArrayLength(pdu);
-    // The elements are not released: the record keeps copies only. len goes
-    // to the header parser as given (a negative one as its 64-bit pattern);
-    // the array's length bounds what it reads.
+    // len goes to the header parser as given (a negative one as its 64-bit
+    // pattern); the array's length bounds what it reads.
     const uint64_t readable = bytes == nullptr || arrayLength < 0 ? 0 : static_cast<uint64_t>(arrayLength);
     ptPushHeader = smlpushHdlrParsingWSPHeaderIn(reinterpret_cast<const unsigned char *>(bytes),
                                                  static_cast<uint64_t>(len), readable);
+    // The record holds copies only: the elements go back unchanged, or a VM
+    // that copied them would keep each copy for the life of the process.
+    if (bytes != nullptr) env->ReleaseByteArrayElements(pdu, bytes, JNI_ABORT);
     if (ptPushHeader == nullptr) return JNI_FALSE;
     if (mode == 1) return JNI_TRUE;
 
