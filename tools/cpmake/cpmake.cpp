@@ -89,9 +89,9 @@ std::string ParseOptions(int argc, char **argv, Options *o) {
         const char *name;
         bool Options::*flag;
     } kFlags[] = {
-        {"--hex", &Options::hex},     {"--body", &Options::body_only},
-        {"--wrap", &Options::wrap},   {"--string-table", &Options::string_table},
-        {"--help", &Options::help},   {"-h", &Options::help},
+        {"--hex", &Options::hex},         {"--body", &Options::body_only},
+        {"--wrap", &Options::wrap},       {"--string-table", &Options::string_table},
+        {"--help", &Options::help},       {"-h", &Options::help},
         {"--version", &Options::version},
     };
     bool have_input = false;
@@ -184,12 +184,13 @@ bool MakeBody(const Options &o, Bytes *body, std::string *error) {
     XmlError xml;
     std::vector<std::string> warnings;
     const std::string name = o.input == "-" ? "<stdin>" : o.input;
-    const bool parsed = ParseXml(std::string_view(reinterpret_cast<const char *>(input.data()), input.size()), &doc,
-                                 &xml, &warnings);
+    const bool parsed = ParseXml(std::string_view(reinterpret_cast<const char *>(input.data()), input.size()),
+                                 &doc, &xml, &warnings);
     if (parsed) *body = EncodeBody(doc, {o.string_table}, &warnings);
     for (const std::string &w : warnings) std::fprintf(stderr, "cpmake: %s:%s\n", name.c_str(), w.c_str());
     if (!parsed) {
-        *error = name + ":" + std::to_string(xml.line) + ":" + std::to_string(xml.column) + ": " + xml.message;
+        *error =
+            name + ":" + std::to_string(xml.line) + ":" + std::to_string(xml.column) + ": " + xml.message;
         return false;
     }
     return true;
@@ -207,7 +208,8 @@ bool Sign(const Options &o, const Bytes &body, PushOptions *push, std::string *e
                      (o.credentials.pin ? "--imsi as well" : "--pin as well");
             return false;
         default:
-            *error = "cannot sign for SEC " + std::to_string(*o.sec) + " (only NETWPIN, USERPIN, USERNETWPIN)";
+            *error =
+                "cannot sign for SEC " + std::to_string(*o.sec) + " (only NETWPIN, USERPIN, USERNETWPIN)";
             return false;
     }
 }
@@ -241,7 +243,8 @@ bool WriteOutput(const std::string &path, const std::string &data, std::string *
     }
     const bool ok = std::fwrite(data.data(), 1, data.size(), f) == data.size();
     const bool closed = path.empty() ? std::fflush(f) == 0 : std::fclose(f) == 0;
-    if (!ok || !closed) *error = "cannot write '" + (path.empty() ? std::string("standard output") : path) + "'";
+    if (!ok || !closed)
+        *error = "cannot write '" + (path.empty() ? std::string("standard output") : path) + "'";
     return ok && closed;
 }
 

@@ -62,9 +62,7 @@ class Writer {
     Bytes out;
 
    private:
-    void Element(const Node &n) {
-        n.kind == Node::Kind::kParm ? Parm(n) : Characteristic(n);
-    }
+    void Element(const Node &n) { n.kind == Node::Kind::kParm ? Parm(n) : Characteristic(n); }
 
     // Always with content, even when empty: the handset drops a
     // characteristic without it, and loses its place in the stream.
@@ -101,7 +99,8 @@ class Writer {
             return;
         }
         if (token == nullptr && warnings_ != nullptr) {
-            warnings_->push_back(Where(n) + what + " \"" + n.name + "\" has no token; written as an inline name");
+            warnings_->push_back(Where(n) + what + " \"" + n.name +
+                                 "\" has no token; written as an inline name");
         }
         Byte(generic);
         String(n.name);

@@ -31,6 +31,10 @@ const Token *FindParm(std::string_view name);
 std::size_t ParmCount();
 std::string_view ParmName(std::size_t index);
 
+// The text the library's decoder turns value token `code` into; empty where
+// it keeps the raw code (bearers, most services).
+std::string_view DecodedText(std::uint8_t code);
+
 // The value token to write for `value` of parm `parm` on attribute page
 // `page`, or 0 to write the value as a string. A token is chosen only where
 // the library decodes it back into exactly this text and the page defines

@@ -38,7 +38,8 @@ struct State {
         XML_StopParser(parser, XML_FALSE);
     }
     void Warn(const std::string &message) {
-        warnings->push_back(std::to_string(Line()) + ":" + std::to_string(Column()) + ": warning: " + message);
+        warnings->push_back(std::to_string(Line()) + ":" + std::to_string(Column()) +
+                            ": warning: " + message);
     }
 };
 
