@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "pushkey.h"
+#include "diagnosis.h"
 #include "records.h"
 #include "sample.h"
 #include "sms.h"
@@ -217,17 +218,6 @@ WbxmlFacts ReadWbxmlHeader(const unsigned char *body, std::uint32_t length) {
     return facts;
 }
 
-// Decodes a body into a tree and back out, for the decoder's verdict.
-void Redecode(const unsigned char *body, std::uint32_t length, WbxmlFacts *facts) {
-    tqsWbxmlDecoder *decoder = nullptr;
-    tqsWapDoc *doc = nullptr;
-    facts->status = tqsClientProvWbxmlInitDecoder(&decoder, body, length);
-    if (facts->status == TQS_OK) facts->status = tqsClientProvWbxmlDecoder(decoder, &doc);
-    facts->empty_document = doc == nullptr || doc->ptCharacterList == nullptr;
-    tqsClientProvWbxmlDeleteWapDoc(doc);
-    tqsClientProvWbxmlDeleteDecoder(decoder);
-}
-
 void WriteHeaderJson(JsonWriter &json, const SmlPushHeader &h) {
     json.BeginObject("pushHeader");
     json.String("contentType", Hex(h.nContentType));
@@ -325,6 +315,13 @@ class Run {
         return kExitRejected;
     }
 
+    // The decoder's refusal with where it stopped, from a second run of it.
+    int RejectBody(const WbxmlFacts &facts, const Bytes &input, const unsigned char *body,
+                   std::uint32_t length) {
+        const Diagnosis d = Diagnose(body, length);
+        return Reject(ExplainBodyRejection(facts, d, o_.body ? -1 : 3L + input[2]), input);
+    }
+
     // What the refused input looks like instead, when the options did not say.
     std::string Hint(const Bytes &input) {
         if (o_.body || o_.sms || source_.raw == nullptr || source_.from_sms) return {};
@@ -385,10 +382,7 @@ class Run {
         tqsClientProvCtx *ctx = tqsClinetProvWbxmlDecoderMain(body, length);
         ToolSide tool_side(o_.trace);
         WbxmlFacts facts = ReadWbxmlHeader(body, length);
-        if (ctx == nullptr) {
-            Redecode(body, length, &facts);
-            return Reject(ExplainBodyRejection(facts), input);
-        }
+        if (ctx == nullptr) return RejectBody(facts, input, body, length);
         if (o_.summary) {
             WriteSummary(text, *ctx);
         } else {
@@ -413,14 +407,10 @@ class Run {
         tqsClientProvCtx *ctx = status == TQS_OK ? tqsClientProvCtxMakeContext(doc) : nullptr;
         std::string xml;
         if (ctx != nullptr) WriteTreeXml(&xml, doc);
-        const bool empty_document = doc == nullptr || doc->ptCharacterList == nullptr;
         tqsClientProvWbxmlDeleteWapDoc(doc);
         if (ctx == nullptr) {
             ToolSide tool_side(o_.trace);
-            WbxmlFacts facts = ReadWbxmlHeader(body, length);
-            facts.status = status;
-            facts.empty_document = empty_document;
-            return Reject(ExplainBodyRejection(facts), input);
+            return RejectBody(ReadWbxmlHeader(body, length), input, body, length);
         }
         tqsClientProvCtxDelectContext(ctx);
         out_.Write(xml);

@@ -1,6 +1,7 @@
 #include "tokens.h"
 
 #include <cstdio>
+#include <iterator>
 
 #include "tqomacp_jni_names.h"
 #include "tqspushhandler.h"
@@ -57,6 +58,34 @@ constexpr NamedCode kContentTypes[] = {
     {SML_PUSH_CT_SYNCML_DM_WBXML, "application/vnd.syncml.dm+wbxml"},
 };
 
+// Provisioning tokens of attribute code pages 0 and 1, by code.
+constexpr unsigned char kFirstType = 0x51, kFirstParm = 0x07;
+constexpr const char *kTypes[2][11] = {
+    {"PXLOGICAL", "PXPHYSICAL", "PORT", "VALIDITY", "NAPDEF", "BOOTSTRAP", "VENDORCONFIG", "CLIENTIDENTITY",
+     "PXAUTHINFO", "NAPAUTHINFO", "ACCESS"},
+    {nullptr, nullptr, "PORT", nullptr, "APPLICATION", "APPADDR", "APPAUTH", "CLIENTIDENTITY", "RESOURCE"},
+};
+// clang-format off
+constexpr const char *kParms[2][0x4F - kFirstParm + 1] = {
+    {"NAME", "NAP-ADDRESS", "NAP-ADDRTYPE", "CALLTYPE", "VALIDUNTIL", "AUTHTYPE", "AUTHNAME", "AUTHSECRET",
+     "LINGER", "BEARER", "NAPID", "COUNTRY", "NETWORK", "INTERNET", "PROXY-ID", "PROXY-PROVIDER-ID", "DOMAIN",
+     "PROVURL", "PXAUTH-TYPE", "PXAUTH-ID", "PXAUTH-PW", "STARTPAGE", "BASAUTH-ID", "BASAUTH-PW", "PUSHENABLED",
+     "PXADDR", "PXADDRTYPE", "TO-NAPID", "PORTNBR", "SERVICE", "LINKSPEED", "DNLINKSPEED", "LOCAL-ADDR",
+     "LOCAL-ADDRTYPE", "CONTEXT-ALLOW", "TRUST", "MASTER", "SID", "SOC", "WSP-VERSION", "PHYSICAL-PROXY-ID",
+     "CLIENT-ID", "DELIVERY-ERR-SDU", "DELIVERY-ORDER", "TRAFFIC-CLASS", "MAX-SDU-SIZE", "MAX-BITRATE-UPLINK",
+     "MAX-BITRATE-DNLINK", "RESIDUAL-BER", "SDU-ERROR-RATIO", "TRAFFIC-HANDL-PRIO", "TRANSFER-DELAY",
+     "GUARANTEED-BITRATE-UPLINK", "GUARANTEED-BITRATE-DNLINK", "PXADDR-FQDN", "PROXY-PW", "PPGAUTH-TYPE",
+     nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, "PULLENABLED", "DNS-ADDR", "MAX-NUM-RETRY",
+     "FIRST-RETRY-TIMEOUT", "REREG-THRESHOLD", "T-BIT", nullptr, "AUTH-ENTITY", "SPI"},
+    {"NAME", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+     nullptr, "INTERNET", nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, "STARTPAGE", nullptr,
+     nullptr, nullptr, nullptr, nullptr, "TO-NAPID", "PORTNBR", "SERVICE", nullptr, nullptr, nullptr, nullptr,
+     nullptr, nullptr, nullptr, nullptr, nullptr, "AACCEPT", "AAUTHDATA", "AAUTHLEVEL", "AAUTHNAME",
+     "AAUTHSECRET", "AAUTHTYPE", "ADDR", "ADDRTYPE", "APPID", "APROTOCOL", "PROVIDER-ID", "TO-PROXY", "URI",
+     "RULE"},
+};
+// clang-format on
+
 template <typename Table>
 const char *Find(const Table &table, std::uint64_t code) {
     for (const auto &entry : table) {
@@ -85,6 +114,18 @@ std::string DisplayValue(const char *stored) {
     char buf[8];
     std::snprintf(buf, sizeof buf, "0x%02X", first);
     return buf;
+}
+
+const char *TypeName(unsigned char code, unsigned char page) {
+    if (code < kFirstType || code >= kFirstType + std::size(kTypes[0])) return nullptr;
+    const char *name = kTypes[page == 1][code - kFirstType];
+    return name != nullptr ? name : kTypes[0][code - kFirstType];
+}
+
+const char *ParmName(unsigned char code, bool page1_first) {
+    if (code < kFirstParm || code >= kFirstParm + std::size(kParms[0])) return nullptr;
+    const char *name = kParms[page1_first][code - kFirstParm];
+    return name != nullptr ? name : kParms[!page1_first][code - kFirstParm];
 }
 
 const char *ContentTypeName(std::uint64_t code) {

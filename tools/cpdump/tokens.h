@@ -17,6 +17,16 @@ const char *ValueTokenName(unsigned char code);
 // else is returned as stored.
 std::string DisplayValue(const char *stored);
 
+// A characteristic type token as the decoder reads it: the name on `page`,
+// else the other page's (the decoder maps page-0 types on page 1 too); null
+// for codes outside 0x51..0x5B.
+const char *TypeName(unsigned char code, unsigned char page);
+
+// A parm name token. The decoder dispatches parms per characteristic, not by
+// page: `page1_first` names the byte by page 1 before page 0, as the
+// application characteristics read it. Null when neither page has it.
+const char *ParmName(unsigned char code, bool page1_first);
+
 // "application/vnd.wap.connectivity-wbxml" and friends; null for other codes.
 const char *ContentTypeName(std::uint64_t code);
 

@@ -33,16 +33,23 @@ std::string ExplainHeaderRejection(const Bytes &pdu) {
     return "unknown content type (\"" + EscapeJson(text) + "\")";
 }
 
-std::string ExplainBodyRejection(const WbxmlFacts &facts) {
+std::string ExplainBodyRejection(const WbxmlFacts &facts, const Diagnosis &d, long body_start) {
     if (!facts.header_ok) return "malformed WBXML (the document header is cut short)";
-    if (facts.status == TQS_ERROR_WBXML_DIFFERENT_VERSION) {
+    if (d.status == TQS_ERROR_WBXML_DIFFERENT_VERSION) {
         std::string why = "not a provisioning document (public id " + Hex(facts.public_id);
         if (facts.public_id == 0 && !facts.literal.empty())
             why += ", literal \"" + EscapeJson(facts.literal) + "\"";
         return why + ")";
     }
-    if (facts.status != TQS_OK) return "malformed WBXML (status " + Hex(facts.status, 1) + ")";
-    if (facts.empty_document) return "empty provisioning document (no characteristics)";
+    if (d.status == TQS_ERROR_WBXML_UNKNOWN_ELEMENT || d.status == TQS_ERROR_WBXML_NO_MORE_DATA) {
+        std::string where = "byte " + std::to_string(d.offset);
+        if (body_start >= 0) where += " (PDU byte " + std::to_string(body_start + d.offset) + ")";
+        if (d.at_end) return "malformed WBXML: the body ends at " + where + ", inside " + d.path;
+        const std::string byte = Hex(d.byte) + (d.token != nullptr ? std::string(" (") + d.token + ")" : "");
+        return "malformed WBXML at body " + where + ", in " + d.path + ": " + byte + " is read as " + d.what;
+    }
+    if (d.status != TQS_OK) return "malformed WBXML (status " + Hex(d.status, 1) + ")";
+    if (d.empty_document) return "empty provisioning document (no characteristics)";
     return "the document yields no provisioning context";
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "diagnosis.h"
 #include "input.h"
 #include "tqstypes.h"
 
@@ -21,16 +22,15 @@ struct WbxmlFacts {
     std::uint32_t public_id = 0;
     std::uint32_t charset = 0;
     std::uint32_t string_table_length = 0;
-    std::string literal;          // string table start, for a literal public identifier
-    TqsResult status = TQS_OK;    // of the whole decode
-    bool empty_document = false;  // decoded, but without a characteristic list
+    std::string literal;  // string table start, for a literal public identifier
 };
 
 // Why the header parser refused a PDU.
 std::string ExplainHeaderRejection(const Bytes &pdu);
 
-// Why the decoder main refused a body.
-std::string ExplainBodyRejection(const WbxmlFacts &facts);
+// Why the decoder main refused a body, and where: `body_start` is the body's
+// offset in the PDU, negative when there is no PDU around it.
+std::string ExplainBodyRejection(const WbxmlFacts &facts, const Diagnosis &diagnosis, long body_start);
 
 }  // namespace cpdump
 

@@ -383,7 +383,8 @@ std::vector<fs::path> CorpusPdus() {
 }
 
 // The PDU as TPDUs in hex, in segment order, optionally behind an SMSC address.
-std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t max_user_data, bool submit, bool smsc) {
+std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t max_user_data, bool submit, bool smsc,
+                               bool ports = true) {
     using namespace cpcommon;
     SmsAddress address;
     AddressFromNumber("+31628870634", &address);
@@ -393,8 +394,10 @@ std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t max_user_data, bool
                             &segments, &error))
         << error;
     std::vector<std::string> tpdus;
-    for (const SmsSegment &s : segments)
+    for (SmsSegment &s : segments) {
+        s.has_ports = ports;
         tpdus.push_back((smsc ? "07911326040000F0" : "") + ToHex(EncodeTpdu(s, 0), "", "", 0));
+    }
     return tpdus;
 }
 
@@ -482,6 +485,22 @@ Bytes Push(const Bytes &body) {
     return pdu;
 }
 
+// A document of `characteristics` in a push without MAC.
+Bytes Doc(const Bytes &characteristics) {
+    Bytes body = {0x03, 0x0B, 0x6A, 0x00, 0xC5, 0x46, 0x01};
+    body.insert(body.end(), characteristics.begin(), characteristics.end());
+    body.push_back(0x01);
+    return Push(body);
+}
+
+// SMS that carry a push without WAP port addressing, so nothing says what they hold.
+Bytes UnaddressedSms() {
+    std::string text;
+    for (const std::string &tpdu : Tpdus(ReadBytes(kCorpus / "ws-bank-userpin.pdu"), 140, false, true, false))
+        text += tpdu + "\n";
+    return Bytes(text.begin(), text.end());
+}
+
 // The header reasons themselves are pinned in the unit test.
 TEST(Rejection, EveryReasonIsOneLineInWords) {
     struct Case {
@@ -511,18 +530,56 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
          {"--xml", "--body", Corpus("moz-empty-doc-netwpin.wbxml")},
          {},
          "empty provisioning document (no characteristics)"},
-        {"unexpected token",
-         {Corpus("pdus/negative/gaia-cht-parm-typo.pdu")},
-         {},
-         "malformed WBXML (status 0x1005)"},
-        {"body ends early",
-         {Corpus("pdus/negative/moz-vendorconfig-truncated.pdu")},
-         {},
-         "malformed WBXML (status 0x1007)"},
         {"body ends early, xml",
          {"--xml", "--body", Corpus("negative/moz-vendorconfig-truncated.wbxml")},
          {},
-         "malformed WBXML (status 0x1007)"},
+         "malformed WBXML: the body ends at byte 16, inside the document"},
+        // Where the decoder stops and why (the corpus's refusals are in golden/refused.txt).
+        {"code page",
+         {"-"},
+         Doc({0xC6, 0x00, 0x02, 0x55, 0x01, 0x01}),
+         "malformed WBXML at body byte 9 (PDU byte 15), in characteristic: 0x02 is read as a code page other "
+         "than "
+         "0 and 1"},
+        {"type",
+         {"-"},
+         Doc({0xC6, 0x4F, 0x01, 0x01}),
+         "malformed WBXML at body byte 8 (PDU byte 14), in characteristic: 0x4F is read as an attribute that "
+         "is "
+         "no characteristic type"},
+        {"nesting",
+         {"-"},
+         Doc({0xC6, 0x56, 0x01, 0xC6, 0x53, 0x01, 0x01, 0x01}),
+         "malformed WBXML at body byte 10 (PDU byte 16), in BOOTSTRAP: 0xC6 is read as a characteristic "
+         "nested in "
+         "BOOTSTRAP, which holds none"},
+        {"parm in the document",
+         {"-"},
+         Doc({0x87, 0x07, 0x06, 0x03, 'A', 0x00, 0x01}),
+         "malformed WBXML at body byte 7 (PDU byte 13), in the document: 0x87 is read as a tag (id 0x07) "
+         "that the "
+         "document element cannot hold: only characteristics"},
+        {"no value",
+         {"-"},
+         Doc({0xC6, 0x55, 0x01, 0x87, 0x11, 0x03, 'A', 0x00, 0x01, 0x01}),
+         "malformed WBXML at body byte 12 (PDU byte 18), in NAPDEF/NAPID: 0x03 (STR_I) is read as neither "
+         "the value "
+         "attribute (0x06) nor END after the parm name"},
+        {"parm name",
+         {"-"},
+         Doc({0xC6, 0x55, 0x01, 0x87, 0x3F, 0x06, 0x03, 'A', 0x00, 0x01, 0x01}),
+         "malformed WBXML at body byte 11 (PDU byte 17), in NAPDEF: 0x3F is read as a parm name "
+         "(PPGAUTH-TYPE) "
+         "that NAPDEF does not have"},
+        // Hints at what the input is instead.
+        {"bare body",
+         {Corpus("sfos-dna-1.wbxml")},
+         {},
+         "not a WSP push PDU (PDU type 0x0B); it looks like a WBXML body without push header: try --body"},
+        {"SMS without WAP ports",
+         {"-"},
+         UnaddressedSms(),
+         "not a WSP push PDU (PDU type 0x91); it looks like SMS TPDUs: try --sms"},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.what);
@@ -531,6 +588,19 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
         EXPECT_EQ(r.out, "");
         EXPECT_EQ(r.err, std::string("cpdump: ") + c.line + "\n");
     }
+}
+
+// Every corpus PDU the library refuses, with where and why: one line each.
+TEST(Rejection, RefusedCorpusSamplesSayWhereAndWhy) {
+    std::string lines;
+    for (const fs::path &pdu : CorpusPdus()) {
+        const Result r = RunCpdump({pdu.string()});
+        ASSERT_TRUE(r.exit == 0 || r.exit == 1) << pdu;
+        if (r.exit == 1) lines += fs::relative(pdu, kCorpus).string() + ": " + r.err;
+    }
+    const fs::path golden = kGolden / "refused.txt";
+    if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, lines.data(), lines.size());
+    EXPECT_EQ(lines, ReadText(golden));
 }
 
 // ---- Damaged pushes --------------------------------------------------------
