@@ -76,7 +76,7 @@ TEST(TqsList, AllocationLinesSizesAndOrder) {
     ASSERT_EQ(tqsListAddNodeFirst(list, Item(2)), TQS_OK);
     for (uint32_t line : {38, 47, 78, 120}) EXPECT_EQ(check.CountAt(kUnit, line), 1u) << line;
     for (const LiveBlock &block : check.Live()) {
-        EXPECT_EQ(block.size, block.line == 38 ? sizeof(TqsList) + 1 : sizeof(TqsListNode) + 1);
+        EXPECT_EQ(block.size, block.line == 38 ? 25u : 17u);  // the fields and one byte
     }
     EXPECT_EQ(Walk(list), "201");
     Ops(list, "+3<4");
@@ -166,6 +166,31 @@ TEST(TqsList, ReleaseRule) {
     EXPECT_TRUE(check.Live().empty());
 }
 
+// What a release routine sees of the list it is called from: the item, the
+// chain, the count and the cursor's item.
+TqsList *g_inspected;
+std::string g_seen;
+uint32_t Inspect(void *item) {
+    g_seen += std::string(1, Name(item)) + ":";
+    for (const TqsListNode *n = g_inspected->ptHead; n != nullptr; n = n->ptNext) g_seen += Name(n->pItem);
+    g_seen += " " + std::to_string(g_inspected->nCount) +
+              Name(g_inspected->ptCur ? g_inspected->ptCur->pItem : nullptr);
+    g_seen += ";";
+    return 0;
+}
+
+TEST(TqsList, DeletionUnlinksTheNodeBeforeReleasingItsItem) {
+    g_inspected = ListOf("0123");
+    g_seen.clear();
+    Ops(g_inspected, "cn");  // cursor on 1: moved on before the unlink
+    EXPECT_EQ(tqsListDeleteNodeFindItem(g_inspected, Item(1), Inspect), TQS_OK);
+    Ops(g_inspected, "c");  // cursor on the head: left there until the node is freed
+    EXPECT_EQ(tqsListDeleteNodeFirst(g_inspected, Inspect), TQS_OK);
+    EXPECT_EQ(g_seen, "1:023 42;0:23 30;");
+    EXPECT_EQ(Ops(g_inspected, "n"), "2");
+    tqsListDeleteNodeAllAndList(g_inspected, kKeep);
+}
+
 TEST(TqsList, CursorAndTakeOperations) {
     TqsList *list = ListOf("012");
     EXPECT_EQ(Ops(list, "cnd1n"), "02");  // the cursor was on 1 when it was deleted
@@ -220,8 +245,8 @@ TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
     check.FreeAll();
 }
 
-// Appending after each kind of removal: the new node lands behind the last
-// node of the chain as it stands, wherever the removal left it.
+// Appending after each kind of removal (and a prepend): the new node lands
+// behind the last node of the chain as it stands, wherever that is now.
 TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
     struct Case {
         const char *name, *removal;
@@ -237,6 +262,7 @@ TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
         {"take the tail by index (the head jumps to null)", "i3", 3, "7"},
         {"take an inner node by index", "i1", 1, "237"},
         {"take the cursor on a dropped node", "ci2N", 1, "37"},
+        {"prepend", "<4", 0, "401237"},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
@@ -249,6 +275,21 @@ TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
         tqsListDeleteNodeAllAndList(list, kKeep);
         EXPECT_EQ(check.Live().size(), c.dropped);
         check.FreeAll();
+    }
+}
+
+// Appends in turn to more lists than the tails kept of the latest ones.
+TEST(TqsList, AppendsToManyListsInTurnStayInTheirOwnList) {
+    std::vector<TqsList *> lists;
+    for (int k = 0; k < 10; ++k) lists.push_back(ListOf(std::string(1, '0' + k)));
+    for (int round = 0; round < 3; ++round) {
+        for (int k = 0; k < 10; ++k) Ops(lists[k], "+" + std::to_string((k + round + 1) % 10));
+    }
+    for (int k = 0; k < 10; ++k) {
+        std::string expected;
+        for (int i = 0; i < 4; ++i) expected += static_cast<char>('0' + (k + i) % 10);
+        EXPECT_EQ(Walk(lists[k]), expected) << k;
+        tqsListDeleteNodeAllAndList(lists[k], kKeep);
     }
 }
 

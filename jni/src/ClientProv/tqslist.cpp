@@ -11,10 +11,48 @@ static const uint32_t kLineLastNode = 78;
 static const uint32_t kLineFirstNode = 120;
 
 static_assert(sizeof(TqsListNode) == 2 * sizeof(void *), "TqsListNode: pItem, ptNext");
-static_assert(sizeof(TqsList) == 4 * sizeof(void *), "TqsList: nCount, ptHead, ptCur, then the private tail");
-static_assert(offsetof(TqsList, ptCur) == 2 * sizeof(void *), "TqsList: the public fields keep their order");
+static_assert(sizeof(TqsList) == 3 * sizeof(void *), "TqsList: nCount, ptHead, ptCur");
 
 namespace {
+
+// Appending walks the chain to its last node. A decode appends to a few lists
+// in turn (the characteristic list of each open level, the value lists of the
+// open characteristics), so the last nodes of the lists appended to most
+// recently are kept here, most recent first, outside the list records. An
+// entry is dropped before its node or its list is freed, so a kept node is
+// always alive; it is used only while it still ends the chain.
+struct TailEntry {
+    const TqsList *list;
+    TqsListNode *node;
+};
+constexpr uint32_t kTailEntries = 8;
+TailEntry g_tails[kTailEntries];
+
+// Drops the entries of `list` and of `node` (either may be null).
+void Forget(const TqsList *list, const TqsListNode *node) {
+    for (TailEntry &e : g_tails) {
+        if ((list != nullptr && e.list == list) || (node != nullptr && e.node == node)) e = TailEntry{};
+    }
+}
+
+// Last node of a non-empty chain.
+TqsListNode *LastNode(const TqsList *list) {
+    for (const TailEntry &e : g_tails) {
+        if (e.list == list && e.node->ptNext == nullptr) return e.node;
+    }
+    TqsListNode *node = list->ptHead;
+    while (node->ptNext != nullptr) node = node->ptNext;
+    return node;
+}
+
+// Puts `node` first as the last node of `list`, in place of the list's own
+// entry or else of the least recently used one.
+void Remember(const TqsList *list, TqsListNode *node) {
+    uint32_t i = 0;
+    while (i + 1 < kTailEntries && g_tails[i].list != list) ++i;
+    for (; i > 0; --i) g_tails[i] = g_tails[i - 1];
+    g_tails[0] = TailEntry{list, node};
+}
 
 TqsListNode *NewNode(void *item, uint32_t line) {
     auto *node =
@@ -73,20 +111,31 @@ TqsListNode *Previous(const TqsList *list, const TqsListNode *target) {
     return nullptr;
 }
 
-// Takes `node` out of the chain and frees it. A cursor on it moves to its
-// next node (where a cursor left on the freed node would be read after free,
-// this is also the defined choice).
-void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
+// A cursor on `node` moves to its next node: left on the node once freed, it
+// would be read after free.
+void MoveCursorOff(TqsList *list, const TqsListNode *node) {
     if (list->ptCur == node) list->ptCur = node->ptNext;
-    // The tail has no successor: its previous node becomes the tail, or the chain is empty.
-    if (list->_ptTail == node) list->_ptTail = previous;
+}
+
+// Takes `node` out of the chain; it ends the chain no longer.
+void Detach(TqsList *list, TqsListNode *previous, TqsListNode *node) {
+    Forget(nullptr, node);
     if (previous != nullptr) {
         previous->ptNext = node->ptNext;
     } else if (list->ptHead == node) {
         list->ptHead = node->ptNext;
     }  // else: a node already dropped from the chain; the chain stays as it is
+}
+
+void FreeNode(TqsList *list, TqsListNode *node) {
     tqsMemFree_debug(node);
     list->nCount--;
+}
+
+void Unlink(TqsList *list, TqsListNode *previous, TqsListNode *node) {
+    MoveCursorOff(list, node);
+    Detach(list, previous, node);
+    FreeNode(list, node);
 }
 
 }  // namespace
@@ -99,6 +148,8 @@ TqsResult tqsListCreate(TqsList **out, void *item) {
         *out = nullptr;
         return TQS_ERROR_LIST_ALLOC;
     }
+    // A list freed without the list routines may have had this address.
+    Forget(list, nullptr);
     if (item != nullptr) {
         TqsListNode *node = NewNode(item, kLineCreateNode);
         if (node == nullptr) {
@@ -107,7 +158,6 @@ TqsResult tqsListCreate(TqsList **out, void *item) {
             return TQS_ERROR_LIST_ALLOC;
         }
         list->ptHead = node;
-        list->_ptTail = node;
         list->nCount = 1;
     }
     *out = list;
@@ -120,13 +170,12 @@ TqsResult tqsListAddNodeLast(TqsList *list, void *item) {
     if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
     if (list->ptHead == nullptr) {
         list->ptHead = node;
-        list->_ptTail = node;
         list->nCount = 1;
-        return TQS_OK;
+    } else {
+        LastNode(list)->ptNext = node;
+        list->nCount++;
     }
-    list->_ptTail->ptNext = node;  // the node the walk from the head would end on
-    list->_ptTail = node;
-    list->nCount++;
+    Remember(list, node);
     return TQS_OK;
 }
 
@@ -135,7 +184,6 @@ TqsResult tqsListAddNodeFirst(TqsList *list, void *item) {
     TqsListNode *node = NewNode(item, kLineFirstNode);
     if (node == nullptr) return TQS_ERROR_LIST_ALLOC;
     node->ptNext = list->ptHead;
-    if (list->ptHead == nullptr) list->_ptTail = node;
     list->nCount = (list->ptHead == nullptr) ? 1 : list->nCount + 1;
     list->ptHead = node;
     return TQS_OK;
@@ -150,8 +198,10 @@ TqsResult tqsListDeleteNodeFindItem(TqsList *list, void *item, TqsListReleaseFn 
         node = node->ptNext;
     }
     if (node == nullptr) return TQS_ERROR_NOT_FOUND;
+    MoveCursorOff(list, node);
+    Detach(list, previous, node);
     ReleaseItem(node, release);
-    Unlink(list, previous, node);
+    FreeNode(list, node);
     return TQS_OK;
 }
 
@@ -159,17 +209,18 @@ TqsResult tqsListDeleteNodeFirst(TqsList *list, TqsListReleaseFn release) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     TqsListNode *head = list->ptHead;
     if (head == nullptr) return TQS_OK;
+    Detach(list, nullptr, head);
     ReleaseItem(head, release);
-    // A cursor left on the freed head would be read after free: Unlink moves it on.
-    Unlink(list, nullptr, head);
+    MoveCursorOff(list, head);
+    FreeNode(list, head);
     return TQS_OK;
 }
 
 TqsResult tqsListDeleteNodeAll(TqsList *list, TqsListReleaseFn release) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    Forget(list, nullptr);
     FreeChain(list->ptHead, release);
     list->ptHead = nullptr;
-    list->_ptTail = nullptr;
     list->ptCur = nullptr;
     list->nCount = 0;
     return TQS_OK;
@@ -177,6 +228,7 @@ TqsResult tqsListDeleteNodeAll(TqsList *list, TqsListReleaseFn release) {
 
 TqsResult tqsListDeleteNodeAllAndList(TqsList *list, TqsListReleaseFn release) {
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
+    Forget(list, nullptr);
     FreeChain(list->ptHead, release);
     tqsMemFree_debug(list);
     return TQS_OK;

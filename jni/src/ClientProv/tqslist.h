@@ -17,9 +17,6 @@ typedef struct TqsList {
     uint32_t nCount;
     TqsListNode *ptHead;
     TqsListNode *ptCur;  // node the next tqsListGetItemNext returns
-    // Private: last node of the chain (null when the chain is empty), kept by
-    // every operation so that appending does not walk the list.
-    TqsListNode *_ptTail;
 } TqsList;
 
 // Release routine of the delete operations: null frees each item with
