@@ -32,6 +32,26 @@ unsigned char *NewStorage(uint64_t size, uint32_t line) {
         tqsMemAllocSetZero_debug(static_cast<uint32_t>(size), kUnitPath, line));
 }
 
+uint64_t Least(uint64_t a, uint64_t b) {
+    return a < b ? a : b;
+}
+
+// Bytes of storage from the head to its end.
+uint64_t Room(const SmlBuffer *buffer) {
+    return static_cast<uint64_t>(buffer->pEnd - buffer->pHead);
+}
+
+// Data bytes that lie in the storage from the head: nDataSize, unless a pull
+// past the data wrapped it, when that many bytes would run out of the storage.
+uint32_t Stored(const SmlBuffer *buffer) {
+    return static_cast<uint32_t>(Least(buffer->nDataSize, Room(buffer)));
+}
+
+// pTail = pHead + nDataSize, as far as the storage goes.
+void PlaceTail(SmlBuffer *buffer) {
+    buffer->pTail = buffer->pHead + Stored(buffer);
+}
+
 }  // namespace
 
 extern "C" {
@@ -104,12 +124,13 @@ TqsResult smlBufferRealloc(SmlBuffer *buffer, uint32_t growth) {
     if (capacity >= UINT32_MAX) return TQS_ERROR_MEMORY;
     unsigned char *storage = NewStorage(capacity + 1, kLineGrownStorage);
     if (storage == nullptr) return TQS_ERROR_MEMORY;
-    if (buffer->nDataSize != 0) tqsMemCpy(storage, buffer->pHead, buffer->nDataSize);
+    uint32_t stored = Stored(buffer);
+    if (stored != 0) tqsMemCpy(storage, buffer->pHead, stored);
     tqsMemFree_debug(buffer->pBase);
     buffer->nBufSize = static_cast<uint32_t>(capacity);
     buffer->pBase = buffer->pHead = storage;
-    buffer->pTail = buffer->pHead + buffer->nDataSize;
     buffer->pEnd = buffer->pBase + buffer->nBufSize;
+    PlaceTail(buffer);
     return TQS_OK;
 }
 
@@ -126,7 +147,7 @@ TqsResult smlBufferAppendTail(SmlBuffer *buffer, const void *data, uint32_t leng
     }
     tqsMemCpy(buffer->pTail, data, length);
     buffer->nDataSize += length;
-    buffer->pTail = buffer->pHead + buffer->nDataSize;
+    PlaceTail(buffer);
     return TQS_OK;
 }
 
@@ -136,14 +157,13 @@ TqsResult smlBufferAppendStr(SmlBuffer *buffer, const char *text) {
 
 TqsResult smlBufferInsertHead(SmlBuffer *buffer, const void *data, uint32_t length) {
     if (buffer == nullptr) return TQS_ERROR_BUFFER_NULL;
-    uint32_t dataSize = buffer->nDataSize;
+    uint32_t dataSize = Stored(buffer);
     // The scratch copy is taken whether or not it turns out to be needed.
-    auto *scratch =
-        static_cast<unsigned char *>(tqsMemAllocSetZero_debug(dataSize + 2, kUnitPath, kLineInsertScratch));
+    unsigned char *scratch = NewStorage(uint64_t{dataSize} + 2, kLineInsertScratch);
     if (scratch != nullptr && dataSize != 0) tqsMemCpy(scratch, buffer->pHead, dataSize);
     if (static_cast<uint64_t>(buffer->pHead - buffer->pBase) < length) {
         // No room before the head: the data move up by length behind a (maybe grown) storage start.
-        if (static_cast<uint64_t>(buffer->pEnd - buffer->pTail) < length) {
+        if (static_cast<uint64_t>(buffer->pEnd - (buffer->pHead + dataSize)) < length) {
             TqsResult result = smlBufferRealloc(buffer, length);
             if (result != TQS_OK) {
                 tqsMemFree_debug(scratch);
@@ -156,7 +176,7 @@ TqsResult smlBufferInsertHead(SmlBuffer *buffer, const void *data, uint32_t leng
         } else {
             tqsMemMove(buffer->pHead + length, buffer->pHead, dataSize);
         }
-        buffer->pTail += length;
+        buffer->pTail = buffer->pHead + length + dataSize;
     } else {
         buffer->pHead -= length;
     }
@@ -168,7 +188,8 @@ TqsResult smlBufferInsertHead(SmlBuffer *buffer, const void *data, uint32_t leng
 
 TqsResult smlBufferGetData(SmlBuffer *buffer, void *destination, uint32_t length) {
     if (buffer == nullptr) return TQS_ERROR_BUFFER_NULL;
-    if (buffer->pHead == nullptr || buffer->nDataSize == 0 || buffer->nDataSize < length) {
+    // Fewer stored bytes than nDataSize claims (a pull wrapped it) count as fewer data.
+    if (buffer->pHead == nullptr || buffer->nDataSize == 0 || Stored(buffer) < length) {
         return TQS_ERROR_BUFFER_NO_DATA;
     }
     tqsMemCpy(destination, buffer->pHead, length);
@@ -179,9 +200,8 @@ TqsResult smlBufferGetData(SmlBuffer *buffer, void *destination, uint32_t length
 
 TqsResult smlBufferPull(SmlBuffer *buffer, uint32_t length) {
     if (buffer == nullptr) return TQS_ERROR_BUFFER_NULL;
-    // Pulling more than the data would move the head out of the storage: stop at the data's end.
-    if (length > buffer->nDataSize) length = buffer->nDataSize;
-    buffer->pHead += length;
+    // No check: past the data nDataSize wraps. Past the storage the head stops at its end.
+    buffer->pHead += Least(length, Room(buffer));
     buffer->nDataSize -= length;
     return TQS_OK;
 }
@@ -189,10 +209,9 @@ TqsResult smlBufferPull(SmlBuffer *buffer, uint32_t length) {
 TqsResult smlBufferShifthead(SmlBuffer *buffer) {
     if (buffer == nullptr) return TQS_ERROR_BUFFER_NULL;
     if (buffer->pHead == buffer->pBase) return TQS_OK;
-    uint32_t dataSize = buffer->nDataSize;
-    if (dataSize == 0) return smlBufferInit(buffer);
-    auto *scratch =
-        static_cast<unsigned char *>(tqsMemAllocSetZero_debug(dataSize + 2, kUnitPath, kLineShiftScratch));
+    if (buffer->nDataSize == 0) return smlBufferInit(buffer);
+    uint32_t dataSize = Stored(buffer);
+    unsigned char *scratch = NewStorage(uint64_t{dataSize} + 2, kLineShiftScratch);
     // Without the scratch block an overlapping move does the same job.
     if (scratch != nullptr) {
         tqsMemCpy(scratch, buffer->pHead, dataSize);
@@ -213,19 +232,21 @@ TqsResult smlBufferCut(SmlBuffer *buffer, uint32_t offset, uint32_t length) {
     if (dataSize == 0 || dataSize < offset) return TQS_ERROR_BUFFER_NO_DATA;
     // Compared as offset > dataSize - length: offset + length must not wrap.
     if (length > dataSize - offset) length = dataSize - offset;
-    buffer->pTail -= length;
+    // Past a wrapped nDataSize only the stored bytes are touched, and the tail stops at the base.
+    uint32_t stored = Stored(buffer);
+    buffer->pTail -= Least(length, static_cast<uint64_t>(buffer->pTail - buffer->pBase));
     if (offset + length == dataSize) {
         // The cut reaches the end: the zeroing lands at the head, not at the cut.
-        tqsMemSetZero(buffer->pHead, length);
-    } else {
-        tqsMemMove(buffer->pHead + offset, buffer->pHead + offset + length, dataSize - (offset + length));
+        tqsMemSetZero(buffer->pHead, static_cast<uint32_t>(Least(length, stored)));
+    } else if (uint64_t{offset} + length < stored) {
+        tqsMemMove(buffer->pHead + offset, buffer->pHead + offset + length, stored - (offset + length));
     }
     buffer->nDataSize -= length;
     return TQS_OK;
 }
 
 unsigned char *smlBufferGetDataBuffer(const SmlBuffer *buffer, uint32_t offset) {
-    if (buffer == nullptr || offset > buffer->nDataSize) return nullptr;
+    if (buffer == nullptr || offset > Stored(buffer)) return nullptr;
     return buffer->pHead + offset;
 }
 

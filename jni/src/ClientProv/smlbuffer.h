@@ -31,6 +31,7 @@ TqsResult smlBufferAppendTail(SmlBuffer *buffer, const void *data, uint32_t leng
 TqsResult smlBufferAppendStr(SmlBuffer *buffer, const char *text);
 TqsResult smlBufferInsertHead(SmlBuffer *buffer, const void *data, uint32_t length);
 TqsResult smlBufferGetData(SmlBuffer *buffer, void *destination, uint32_t length);
+// No check: pulling past the data wraps nDataSize; the head stops at pEnd.
 TqsResult smlBufferPull(SmlBuffer *buffer, uint32_t length);
 TqsResult smlBufferShifthead(SmlBuffer *buffer);
 TqsResult smlBufferCut(SmlBuffer *buffer, uint32_t offset, uint32_t length);
