@@ -31,6 +31,13 @@ inline bool Off() {
     return __builtin_expect(ptTqcTraceSink == nullptr, 1);
 }
 
+// Off, and leak tracking off too. While tracking is on, the formatters that
+// allocate their line do so, sink or not: the tracker sees those blocks (and
+// with a full table reports each one).
+inline bool Quiet() {
+    return Off() && bMemCheck == 0;
+}
+
 // Appends the pieces into `out`; returns the end (a zero is written there).
 char *Join(char *out, const char *const *pieces, uint32_t count) {
     for (uint32_t i = 0; i < count; ++i) {
@@ -111,7 +118,7 @@ void tqcTraceError(int64_t code) {
 }
 
 void tqcTraceFunction(const char *name) {
-    if (Off()) return;
+    if (Quiet()) return;
     char *line = Alloc(uint64_t{tqsStrlen(name)} + 31, kLineFunction);
     if (line == nullptr) return;
     const char *pieces[] = {kPrefix, name, "()\n"};
@@ -121,7 +128,7 @@ void tqcTraceFunction(const char *name) {
 }
 
 void tqcTraceString(const char *format, const char *text) {
-    if (Off()) return;
+    if (Quiet()) return;
     uint64_t size = uint64_t{tqsStrlen(text)} + 101;
     // A format text longer than the 100 spare bytes would overflow the blocks:
     // they are made large enough for the whole line instead.
@@ -141,7 +148,7 @@ void tqcTraceString(const char *format, const char *text) {
 }
 
 void tqcTraceExcption(const char *message, const char *path, uint32_t lineNumber) {
-    if (Off()) return;
+    if (Quiet()) return;
     char *line = Alloc(uint64_t{tqsStrlen(message)} + tqsStrlen(path) + 41, kLineExcption);
     if (line == nullptr) return;
     char number[16];
@@ -181,7 +188,9 @@ void tqcTraceDump(const char *title, const unsigned char *data, uint32_t length)
 }
 
 void tqcTraceDump22(const unsigned char *data, uint32_t length) {
-    if (Off()) return;
+    // Written with or without a sink: a host may read _szBuffer. Null data would
+    // be read through null: nothing is dumped.
+    if (data == nullptr) length = 0;
     tqsStrBinaryDump(_szBuffer, data, length < kMaxDump22Bytes ? length : kMaxDump22Bytes);
     tqcTraceWrite(_szBuffer);
 }

@@ -1,6 +1,8 @@
 // Diagnostic trace. Every formatter builds one finished line and hands it to
 // tqcTraceWrite, which drops it; a host may install a sink that receives each
-// line. Without a sink the formatters return at once: no formatting, no allocation.
+// line. Without a sink the formatters return at once: no formatting, no
+// allocation. Two exceptions: tqcTraceDump22 always fills _szBuffer, and while
+// leak tracking is on the formatters that allocate their line still do.
 #ifndef TQSTRACE_H
 #define TQSTRACE_H
 
