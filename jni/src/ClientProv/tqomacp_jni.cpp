@@ -4,6 +4,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <stdlib.h>
 #include <string.h>
 
 #include <type_traits>
@@ -13,8 +14,6 @@
 #include "tqsmemory.h"
 #include "tqspushhandler.h"
 #include "tqsstring.h"
-
-static const char kUnitPath[] = "jni/src/ClientProv/tqomacp_jni";
 
 tqsClientProvCtx *ptCtx = nullptr;
 
@@ -26,45 +25,44 @@ SmlPushHeader *ptPushHeader = nullptr;
 // ---------------------------------------------------------------------------
 // Java strings. NewStringUTF wants modified UTF-8 (Android's checked JNI
 // aborts on anything else), while the context holds raw bytes: texts, and
-// token code bytes such as 0x85. Well-formed UTF-8 passes as its characters;
-// every byte outside a well-formed sequence becomes the char of the same value.
+// token code bytes such as 0x85. Modified UTF-8 passes unchanged, a 4-byte
+// UTF-8 sequence becomes its surrogate pair, and every other byte becomes the
+// char of the same value.
 // ---------------------------------------------------------------------------
 
-// Length of the well-formed UTF-8 sequence at s (1 to 4) with its code point,
-// or 0 when none starts there. Stops at the terminating zero, which is never a
-// continuation byte.
-uint32_t Utf8Sequence(const unsigned char *s, uint32_t *codePoint) {
-    const unsigned char lead = s[0];
-    if (lead < 0x80) {
-        *codePoint = lead;
-        return 1;
-    }
-    uint32_t length;
-    uint32_t value;
-    uint32_t lowest;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-        length = 2, value = lead & 0x1Fu, lowest = 0x80;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3, value = lead & 0x0Fu, lowest = 0x800;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4, value = lead & 0x07u, lowest = 0x10000;
-    } else {
-        return 0;
-    }
-    for (uint32_t i = 1; i < length; ++i) {
-        if ((s[i] & 0xC0u) != 0x80u) return 0;
-        value = (value << 6) | (s[i] & 0x3Fu);
-    }
-    if (value < lowest || (value >= 0xD800 && value <= 0xDFFF) || value > 0x10FFFF) return 0;
-    *codePoint = value;
-    return length;
+inline bool IsContinuation(unsigned char byte) {
+    return (byte & 0xC0u) == 0x80u;
 }
 
-// Appends one UTF-16 unit in modified UTF-8 (U+0000 as C0 80).
+// Length (1 to 3) of the modified UTF-8 sequence at s: a byte below 0x80,
+// C0 80 (U+0000), or a shortest 2- or 3-byte form, surrogates included; 0
+// when none starts there. Never reads past the terminating zero, which is no
+// continuation byte.
+uint32_t ModifiedUtf8Length(const unsigned char *s) {
+    const unsigned char lead = s[0];
+    if (lead < 0x80) return 1;
+    if (lead == 0xC0) return s[1] == 0x80 ? 2 : 0;
+    if (lead >= 0xC2 && lead <= 0xDF) return IsContinuation(s[1]) ? 2 : 0;
+    if (lead == 0xE0) return s[1] >= 0xA0 && s[1] <= 0xBF && IsContinuation(s[2]) ? 3 : 0;
+    if (lead >= 0xE1 && lead <= 0xEF) return IsContinuation(s[1]) && IsContinuation(s[2]) ? 3 : 0;
+    return 0;
+}
+
+// Code point of the shortest 4-byte UTF-8 sequence at s (U+10000 to
+// U+10FFFF), or 0 when none starts there.
+uint32_t SupplementaryCodePoint(const unsigned char *s) {
+    if (s[0] < 0xF0 || s[0] > 0xF4) return 0;
+    uint32_t value = s[0] & 0x07u;
+    for (int i = 1; i < 4; ++i) {
+        if (!IsContinuation(s[i])) return 0;
+        value = (value << 6) | (s[i] & 0x3Fu);
+    }
+    return value >= 0x10000 && value <= 0x10FFFF ? value : 0;
+}
+
+// Appends one UTF-16 unit of U+0080 or above in modified UTF-8.
 unsigned char *PutUnit(unsigned char *out, uint32_t unit) {
-    if (unit != 0 && unit < 0x80) {
-        *out++ = static_cast<unsigned char>(unit);
-    } else if (unit < 0x800) {
+    if (unit < 0x800) {
         *out++ = static_cast<unsigned char>(0xC0 | (unit >> 6));
         *out++ = static_cast<unsigned char>(0x80 | (unit & 0x3F));
     } else {
@@ -75,55 +73,54 @@ unsigned char *PutUnit(unsigned char *out, uint32_t unit) {
     return out;
 }
 
-// True when text is already valid modified UTF-8: well-formed UTF-8 without
-// supplementary characters. Sets *length to the byte count.
-bool IsModifiedUtf8(const unsigned char *text, size_t *length) {
-    bool plain = true;
-    size_t i = 0;
-    while (text[i] != 0) {
-        uint32_t codePoint;
-        const uint32_t n = Utf8Sequence(text + i, &codePoint);
-        if (n == 0 || n == 4) plain = false;
-        i += n == 0 ? 1 : n;
+// Converts length bytes of text into out (room for 2 * length + 1).
+void ToModifiedUtf8(const unsigned char *text, size_t length, unsigned char *out) {
+    for (size_t i = 0; i < length;) {
+        uint32_t n = ModifiedUtf8Length(text + i);
+        if (n != 0) {
+            memcpy(out, text + i, n);
+            out += n;
+            i += n;
+        } else if (uint32_t codePoint = SupplementaryCodePoint(text + i); codePoint != 0) {
+            codePoint -= 0x10000;
+            out = PutUnit(out, 0xD800 + (codePoint >> 10));
+            out = PutUnit(out, 0xDC00 + (codePoint & 0x3FF));
+            i += 4;
+        } else {
+            out = PutUnit(out, text[i]);
+            i += 1;
+        }
     }
-    *length = i;
-    return plain;
+    *out = 0;
 }
+
+// Room for the converted texts of stored values up to 255 bytes.
+constexpr size_t kConversionStack = 512;
 
 // A new Java string from a stored value; null for a null value.
 jstring NewJavaString(JNIEnv *env, const char *value) {
     if (value == nullptr) return nullptr;
     const unsigned char *text = reinterpret_cast<const unsigned char *>(value);
-    size_t length;
-    if (IsModifiedUtf8(text, &length)) return env->NewStringUTF(value);
-    // Each input byte yields at most two output bytes (a stray byte: 2; a
-    // 4-byte sequence: two 3-byte surrogates). A size that would not fit the
-    // allocator's 32-bit count gives null rather than a short block.
-    if (length > (UINT32_MAX - 1) / 2) return nullptr;
-    unsigned char *converted = static_cast<unsigned char *>(
-        tqsMemAlloc_debug(static_cast<uint32_t>(2 * length + 1), kUnitPath, __LINE__));
-    if (converted == nullptr) return nullptr;
-    unsigned char *out = converted;
-    for (size_t i = 0; i < length;) {
-        uint32_t codePoint;
-        const uint32_t n = Utf8Sequence(text + i, &codePoint);
-        if (n == 0) {
-            out = PutUnit(out, text[i]);
-            i += 1;
-            continue;
-        }
-        if (codePoint >= 0x10000) {
-            codePoint -= 0x10000;
-            out = PutUnit(out, 0xD800 + (codePoint >> 10));
-            out = PutUnit(out, 0xDC00 + (codePoint & 0x3FF));
-        } else {
-            out = PutUnit(out, codePoint);
-        }
-        i += n;
+    bool plain = true;
+    size_t length = 0;
+    while (text[length] != 0) {
+        const uint32_t n = ModifiedUtf8Length(text + length);
+        plain = plain && n != 0;
+        length += n == 0 ? 1 : n;
     }
-    *out = 0;
+    if (plain) return env->NewStringUTF(value);
+    // Each input byte yields at most two output bytes (a stray byte: 2; a
+    // 4-byte sequence: two 3-byte surrogates). The buffer is scratch of one
+    // call, outside the tracker, so that a getter leaves no trace in it.
+    // Only a 32-bit size could wrap; such a text gives null, not a short buffer.
+    if (length > (SIZE_MAX - 1) / 2) return nullptr;
+    const size_t size = 2 * length + 1;
+    unsigned char onStack[kConversionStack];
+    unsigned char *converted = size <= sizeof onStack ? onStack : static_cast<unsigned char *>(malloc(size));
+    if (converted == nullptr) return nullptr;
+    ToModifiedUtf8(text, length, converted);
     jstring result = env->NewStringUTF(reinterpret_cast<const char *>(converted));
-    tqsMemFree_debug(converted);
+    if (converted != onStack) free(converted);
     return result;
 }
 
