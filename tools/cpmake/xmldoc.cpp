@@ -85,7 +85,9 @@ void XMLCALL OnStart(void *data, const XML_Char *element, const XML_Char **attrs
 }
 
 void XMLCALL OnEnd(void *data, const XML_Char *) {
-    static_cast<State *>(data)->open.pop_back();
+    // Expat still closes an empty element whose start was refused.
+    auto *st = static_cast<State *>(data);
+    if (!st->failed) st->open.pop_back();
 }
 
 void XMLCALL OnText(void *data, const XML_Char *text, int len) {
