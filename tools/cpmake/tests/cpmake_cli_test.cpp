@@ -56,7 +56,7 @@ const std::map<std::string, Differs> kDifferences = {
     {"own/wifi-roaming.xml", Differs::kSplitString},
 };
 
-TEST(Corpus, DecodesAsXml2wbxmlsEncodingDoes) {
+TEST(CpmakeCorpus, DecodesAsXml2wbxmlsEncodingDoes) {
     ASSERT_EQ(Shell("command -v xml2wbxml wbxml2xml").exit, 0) << "needs libwbxml2-utils (scripts/setup.sh)";
     int compared = 0;
     for (const auto &entry : fs::recursive_directory_iterator(kCorpus)) {
@@ -92,7 +92,7 @@ TEST(Corpus, DecodesAsXml2wbxmlsEncodingDoes) {
 // Header, a page switch in a characteristic's and in a parm's attribute list,
 // a value token on each page, a bearer token, a string-table reference and an
 // inline name with its warning.
-TEST(Output, SmallPushByteForByte) {
+TEST(CpmakeOutput, SmallPushByteForByte) {
     const Result r =
         Shell(kCpmake + " --hex --string-table --tid 7 -",
               "<wap-provisioningdoc version=\"1.0\">"
@@ -128,7 +128,7 @@ TEST(Output, SmallPushByteForByte) {
 
 // Every body of the corpus wrapped and signed as make-pdus.sh did with
 // openssl: the same bytes.
-TEST(Output, WrapsAndSignsLikeTheCorpusPdus) {
+TEST(CpmakeOutput, WrapsAndSignsLikeTheCorpusPdus) {
     int checked = 0;
     for (const auto &entry : fs::directory_iterator(kCorpus)) {
         if (entry.path().extension() != ".wbxml") continue;
@@ -142,7 +142,7 @@ TEST(Output, WrapsAndSignsLikeTheCorpusPdus) {
     EXPECT_GE(checked, 30);
 }
 
-TEST(Output, SignaturesVerifyWithCpdump) {
+TEST(CpmakeOutput, SignaturesVerifyWithCpdump) {
     const std::string xml = (kCorpus / "cpc-email.xml").string();
     const struct {
         const char *make, *check, *result;
@@ -165,7 +165,7 @@ TEST(Output, SignaturesVerifyWithCpdump) {
 }
 
 // Segments in any order, of either kind and several sizes, give the push back.
-TEST(Output, SmsSegmentsReadBackWithCpdump) {
+TEST(CpmakeOutput, SmsSegmentsReadBackWithCpdump) {
     const std::string xml = (kCorpus / "sfos-sonera.xml").string();
     const std::string whole = Shell(kCpmake + " " + xml + " | " + kCpdump + " --xml -").out;
     for (const char *args :
@@ -192,7 +192,7 @@ TEST(Output, SmsSegmentsReadBackWithCpdump) {
     EXPECT_EQ(one.out.substr(24 + 14), tail);
 }
 
-TEST(Errors, NameTheProblemAndWhere) {
+TEST(CpmakeErrors, NameTheProblemAndWhere) {
     const struct {
         const char *args, *xml, *message;
     } cases[] = {

@@ -206,7 +206,7 @@ void CountTypes(const Node &n, std::set<std::string> *seen) {
     }
 }
 
-TEST(GeneratedDocuments, DecodeToWhatWasGenerated) {
+TEST(CpmakeGenerated, DecodeToWhatWasGenerated) {
     std::set<std::string> types_seen;
     for (unsigned seed = 1; seed <= 150; ++seed) {
         const Node doc = Generator{std::mt19937(seed)}.Document();
