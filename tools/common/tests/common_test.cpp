@@ -122,39 +122,31 @@ std::vector<SmsSegment> Segments(const Bytes &message, std::size_t max_user_data
     return segments;
 }
 
-// Every form reads back as written, and the segments join whatever the order.
+// What the corpus round trip through cpdump does not write: 16-bit references,
+// a SUBMIT's validity period, an SMSC address; read back field for field and
+// joined from the last segment to the first.
 TEST(Sms, WrittenSegmentsReadBackAndJoinInAnyOrder) {
     Bytes message(300);
     for (std::size_t i = 0; i < message.size(); ++i) message[i] = static_cast<unsigned char>(i * 7);
-    for (SmsKind kind : {SmsKind::kDeliver, SmsKind::kSubmit}) {
-        for (bool smsc : {false, true}) {
-            for (bool ref16 : {false, true}) {
-                SCOPED_TRACE(testing::Message() << int(kind) << smsc << ref16);
-                std::vector<SmsSegment> written = Segments(message, 140, kind);
-                ASSERT_EQ(written.size(), 3u);
-                std::vector<SmsSegment> read;
-                for (auto it = written.rbegin(); it != written.rend(); ++it) {
-                    it->ref16 = ref16;
-                    it->ref = ref16 ? 0x1234 : it->ref;
-                    Bytes tpdu = EncodeTpdu(*it, 0);
-                    if (kind == SmsKind::kSubmit && ref16) {  // a one-byte relative validity period
-                        tpdu[0] |= 0x10;
-                        tpdu.insert(tpdu.begin() + 4 + tpdu[2] / 2 + tpdu[2] % 2 + 2, 0xA7);
-                    }
-                    if (smsc) tpdu.insert(tpdu.begin(), kSmsc.begin(), kSmsc.end());
-                    SmsSegment s;
-                    std::string error;
-                    ASSERT_TRUE(ParseTpdu(tpdu, &s, &error)) << error;
-                    EXPECT_EQ(s, *it);
-                    read.push_back(s);
-                }
-                Bytes joined;
-                std::string error;
-                ASSERT_TRUE(JoinSegments(read, &joined, &error)) << error;
-                EXPECT_EQ(joined, message);
-            }
-        }
+    std::vector<SmsSegment> written = Segments(message, 140, SmsKind::kSubmit), read;
+    ASSERT_EQ(written.size(), 3u);
+    for (auto it = written.rbegin(); it != written.rend(); ++it) {
+        it->ref16 = true;
+        it->ref = 0x1234;
+        Bytes tpdu = EncodeTpdu(*it, 0);
+        tpdu[0] |= 0x10;  // a one-byte relative validity period after the DCS
+        tpdu.insert(tpdu.begin() + 4 + (tpdu[2] + 1) / 2 + 2, 0xA7);
+        tpdu.insert(tpdu.begin(), kSmsc.begin(), kSmsc.end());
+        SmsSegment s;
+        std::string error;
+        ASSERT_TRUE(ParseTpdu(tpdu, &s, &error)) << error;
+        EXPECT_EQ(s, *it);
+        read.push_back(s);
     }
+    Bytes joined;
+    std::string error;
+    ASSERT_TRUE(JoinSegments(read, &joined, &error)) << error;
+    EXPECT_EQ(joined, message);
 }
 
 TEST(Sms, DamagedTpduSaysWhy) {
