@@ -116,16 +116,24 @@ std::string DisplayValue(const char *stored) {
     return buf;
 }
 
+const char *TypeOnPage(unsigned char code, unsigned char page) {
+    if (page > 1 || code < kFirstType || code >= kFirstType + std::size(kTypes[0])) return nullptr;
+    return kTypes[page][code - kFirstType];
+}
+
+const char *ParmOnPage(unsigned char code, unsigned char page) {
+    if (page > 1 || code < kFirstParm || code >= kFirstParm + std::size(kParms[0])) return nullptr;
+    return kParms[page][code - kFirstParm];
+}
+
 const char *TypeName(unsigned char code, unsigned char page) {
-    if (code < kFirstType || code >= kFirstType + std::size(kTypes[0])) return nullptr;
-    const char *name = kTypes[page == 1][code - kFirstType];
-    return name != nullptr ? name : kTypes[0][code - kFirstType];
+    const char *name = TypeOnPage(code, page == 1);
+    return name != nullptr ? name : TypeOnPage(code, 0);
 }
 
 const char *ParmName(unsigned char code, bool page1_first) {
-    if (code < kFirstParm || code >= kFirstParm + std::size(kParms[0])) return nullptr;
-    const char *name = kParms[page1_first][code - kFirstParm];
-    return name != nullptr ? name : kParms[!page1_first][code - kFirstParm];
+    const char *name = ParmOnPage(code, page1_first);
+    return name != nullptr ? name : ParmOnPage(code, !page1_first);
 }
 
 const char *ContentTypeName(std::uint64_t code) {

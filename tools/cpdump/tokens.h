@@ -17,6 +17,11 @@ const char *ValueTokenName(unsigned char code);
 // else is returned as stored.
 std::string DisplayValue(const char *stored);
 
+// The name of a characteristic type or parm name token on attribute page
+// `page` (0 or 1) alone; null where that page does not define the code.
+const char *TypeOnPage(unsigned char code, unsigned char page);
+const char *ParmOnPage(unsigned char code, unsigned char page);
+
 // A characteristic type token as the decoder reads it: the name on `page`,
 // else the other page's (the decoder maps page-0 types on page 1 too); null
 // for codes outside 0x51..0x5B.

@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "tokens.h"
+#include "wbxml_tokens.h"
 
 namespace cpmake {
 namespace {
@@ -68,7 +68,7 @@ class Writer {
     // characteristic without it, and loses its place in the stream.
     void Characteristic(const Node &n) {
         Byte(kTagCharacteristic | kHasContent | kHasAttributes);
-        const Token *type = FindType(n.name);
+        const std::optional<Token> type = FindType(n.name);
         Named(type, n, kAttrType, "characteristic type");
         Byte(kEnd);
         for (const Node &child : n.children) Element(child);
@@ -77,7 +77,7 @@ class Writer {
 
     void Parm(const Node &n) {
         Byte(kTagParm | kHasAttributes);
-        const Token *name = FindParm(n.name);
+        const std::optional<Token> name = FindParm(n.name);
         Named(name, n, kAttrName, "parm name");
         if (n.value) {
             Byte(kAttrValue);
@@ -92,13 +92,13 @@ class Writer {
 
     // A name's token on a page that defines it, or the generic attribute
     // followed by the name as a string.
-    void Named(const Token *token, const Node &n, unsigned char generic, const char *what) {
-        if (token != nullptr && token->code != 0) {
+    void Named(const std::optional<Token> &token, const Node &n, unsigned char generic, const char *what) {
+        if (token && token->code != 0) {
             Page(token->pages);
             Byte(token->code);
             return;
         }
-        if (token == nullptr && warnings_ != nullptr) {
+        if (!token && warnings_ != nullptr) {
             warnings_->push_back(Where(n) + what + " \"" + n.name +
                                  "\" has no token; written as an inline name");
         }

@@ -20,7 +20,7 @@
 #include "encoder.h"
 #include "push.h"
 #include "records.h"
-#include "tokens.h"
+#include "wbxml_tokens.h"
 #include "tqomacp_jni_names.h"
 #include "tqsClientProvWbxmlDecoder.h"
 
@@ -77,8 +77,8 @@ const std::map<std::string, std::map<std::string, Repeat>> &Catalogue() {
         std::map<std::string, std::map<std::string, Repeat>> c;
         for (const auto &[parent, types] : kChildren) {
             for (const std::string &type : types) {
-                for (std::size_t i = 0; i < ParmCount(); ++i) {
-                    const std::string name(ParmName(i)), line = "<parm name=\"" + name + "\" value=\"";
+                for (const std::string &name : ParmNames()) {
+                    const std::string line = "<parm name=\"" + name + "\" value=\"";
                     auto decoded = [&](std::vector<Node> parms) {
                         Node doc{Kind::kDocument,
                                  "",

@@ -1,11 +1,14 @@
 // The provisioning token tables cpmake writes: characteristic types and parm
 // names of attribute code pages 0 and 1, and which value texts go out as
 // value tokens.
-#ifndef CPMAKE_TOKENS_H
-#define CPMAKE_TOKENS_H
+#ifndef CPMAKE_WBXML_TOKENS_H
+#define CPMAKE_WBXML_TOKENS_H
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace cpmake {
 
@@ -19,17 +22,16 @@ struct Token {
     std::uint8_t pages;  // kPage0, kPage1 or both
 };
 
-// A characteristic type (PXLOGICAL ... RESOURCE). Names without a token that
-// the handset's library still reads by their text (ROAMING, WI-FI) come back
-// with code 0; null for a name nobody knows.
-const Token *FindType(std::string_view name);
+// A characteristic type (PXLOGICAL ... RESOURCE), by cpdump's token tables.
+// Names without a token that the handset's library still reads by their text
+// (ROAMING, WI-FI) come back with code 0; nothing for a name nobody knows.
+std::optional<Token> FindType(std::string_view name);
 
 // A parm name, likewise (INIT, FROM, NETSSID ... come back with code 0).
-const Token *FindParm(std::string_view name);
+std::optional<Token> FindParm(std::string_view name);
 
-// Every known parm name, for callers that walk them all.
-std::size_t ParmCount();
-std::string_view ParmName(std::size_t index);
+// Every known parm name.
+std::vector<std::string> ParmNames();
 
 // The text the library's decoder turns value token `code` into; empty where
 // it keeps the raw code (bearers, most services).
@@ -43,4 +45,4 @@ std::uint8_t ValueToken(std::string_view parm, std::string_view value, std::uint
 
 }  // namespace cpmake
 
-#endif  // CPMAKE_TOKENS_H
+#endif  // CPMAKE_WBXML_TOKENS_H
