@@ -36,7 +36,7 @@ echo "campaign $campaign: ${targets[*]} for ${seconds}s each"
 # Fork mode starts the executable again for every job: run copies, so that
 # rebuilding the tree meanwhile does not change what is being fuzzed.
 for t in "${targets[@]}"; do
-  [ -x "build/fuzz/fuzz/fuzz_$t" ] || { echo "fuzz_$t is not built (library incomplete?)" >&2; exit 1; }
+  [ -x "build/fuzz/fuzz/fuzz_$t" ] || { echo "fuzz_$t is not built" >&2; exit 1; }
   cp "build/fuzz/fuzz/fuzz_$t" "build/default/fuzz/fuzz_${t}_replay" "$campaign/bin/"
 done
 git rev-parse HEAD >"$campaign/commit"
@@ -49,7 +49,7 @@ for t in "${targets[@]}"; do
   nice -n 10 "$exe" -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
     -max_total_time="$seconds" -max_len=65536 -timeout=2 -rss_limit_mb=2048 \
     -dict=fuzz/dict/provisioning.dict -close_fd_mask=1 \
-    -artifact_prefix="$dir/artifacts/" "$dir/corpus" "fuzz/seeds/$t" >"$dir/fuzz.log" 2>&1 &
+    -artifact_prefix="$dir/artifacts/" "$dir/corpus" "fuzz/seeds/$t" "fuzz/stress/$t" >"$dir/fuzz.log" 2>&1 &
   pids+=($!)
 done
 status=0
@@ -68,7 +68,7 @@ summary=$campaign/summary.md
     files=$(find "$dir/corpus" -type f | wc -l)
     findings=$(find "$dir/artifacts" -type f | wc -l)
     slowest=$(TQOMACP_FUZZ_NO_LEAKCHECK=1 "$campaign/bin/fuzz_${t}_replay" --repeat 3 \
-              "$dir/corpus" "fuzz/seeds/$t" | sed -E 's/.*slowest ([0-9.]+ ms).*/\1/')
+              "$dir/corpus" "fuzz/seeds/$t" "fuzz/stress/$t" | sed -E 's/.*slowest ([0-9.]+ ms).*/\1/')
     echo "| $t | ${execs:-?} | ${took:-?} | ${edges:-?} | $files | $findings | $slowest |"
   done
 } >"$summary"

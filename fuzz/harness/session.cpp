@@ -256,8 +256,7 @@ void CheckResult(const Getter &g, const int *args, bool inRange) {
                 break;
             case Expect::kNamed:
                 if (!isNull && !inRange) Fail(g.name, "value out of range", args, g.arity);
-                if (missing && args[g.arity - 1] <= 38)
-                    Fail(g.name, "no service name", args, g.arity);
+                if (missing && args[g.arity - 1] <= 38) Fail(g.name, "no service name", args, g.arity);
                 break;
             default:
                 break;

@@ -14,11 +14,11 @@
 
 namespace fuzz {
 
-// What a session leaves allocated besides the kept blocks noted by address:
-// the header record of a refused content type and every body copy (neither
-// reachable from outside the session), and what the decoder leaves of a
-// failing characteristic and of overwritten values (any block of the decoder
-// and list units).
+// What a session leaves allocated besides the kept blocks noted by address,
+// in this order: the header record of a refused content type, every body copy
+// (neither reachable from outside the session), and what the decoder leaves
+// of a failing characteristic and of overwritten values (any block of the
+// decoder and list units).
 extern const Site kSessionKeptSites[4];
 
 // Registers the natives through `jvm` (JNI_OnLoad) and checks that these are
