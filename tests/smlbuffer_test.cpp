@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <numeric>
 #include <vector>
 
@@ -122,10 +121,10 @@ TEST(SmlBuffer, PullPastTheDataWrapsTheSize) {
         uint32_t pull;
         long head;
         uint32_t size;
-    } cases[] = {{12, 12, 0xFFFFFFFEu}, {16, 16, 0xFFFFFFFAu}, {17, 16, 0xFFFFFFF9u}, {0xFFFFFFFFu, 16, 11}};
-    unsigned char out[16];
-    const std::function<void(SmlBuffer *)> next[] = {
-        [&](SmlBuffer *b) { smlBufferGetData(b, out, 5); },
+    } cases[] = {{12, 12, 0xFFFFFFFEu}, {17, 16, 0xFFFFFFF9u}, {0xFFFFFFFFu, 16, 11}};
+    static unsigned char out[16];
+    void (*const next[])(SmlBuffer *) = {
+        [](SmlBuffer *b) { smlBufferGetData(b, out, 5); },
         [](SmlBuffer *b) { smlBufferGetDataBuffer(b, 5); },
         [](SmlBuffer *b) { smlBufferAppendTail(b, "x", 1); },
         [](SmlBuffer *b) { smlBufferInsertHead(b, "xy", 2); },

@@ -280,15 +280,16 @@ TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
 
 // Appends in turn to more lists than the tails kept of the latest ones.
 TEST(TqsList, AppendsToManyListsInTurnStayInTheirOwnList) {
-    std::vector<TqsList *> lists;
-    for (int k = 0; k < 10; ++k) lists.push_back(ListOf(std::string(1, '0' + k)));
-    for (int round = 0; round < 3; ++round) {
-        for (int k = 0; k < 10; ++k) Ops(lists[k], "+" + std::to_string((k + round + 1) % 10));
+    std::vector<TqsList *> lists(10);
+    std::vector<std::string> items(10);
+    for (TqsList *&list : lists) list = ListOf("");
+    for (int i = 0; i < 40; ++i) {
+        const std::string digit = std::to_string((i + i / 10) % 10);
+        Ops(lists[i % 10], "+" + digit);
+        items[i % 10] += digit;
     }
     for (int k = 0; k < 10; ++k) {
-        std::string expected;
-        for (int i = 0; i < 4; ++i) expected += static_cast<char>('0' + (k + i) % 10);
-        EXPECT_EQ(Walk(lists[k]), expected) << k;
+        EXPECT_EQ(Walk(lists[k]), items[k]) << k;
         tqsListDeleteNodeAllAndList(lists[k], kKeep);
     }
 }
