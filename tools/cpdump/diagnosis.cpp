@@ -156,6 +156,11 @@ class TraceReader {
         }
         const At at = refused ? refusal_->at : event_;
         d.offset = at == At::kRead && consumed > 0 ? consumed - 1 : consumed;
+        if (d.offset >= length) {  // nothing there to show: it ran out
+            d.at_end = true;
+            d.offset = length;
+            return d;
+        }
         const unsigned char byte = d.byte = body[d.offset];
         if ((!refused || refusal_->token) && (byte & 0x3F) < 5)
             d.token = kGlobalTokens[byte & 0x3F][byte >> 6];
