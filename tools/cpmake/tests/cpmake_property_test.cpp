@@ -6,7 +6,8 @@
 //
 //   cpmake_property_test --write-seeds DIR [COUNT]
 // writes COUNT generated documents (default 40) as fuzz seeds instead:
-// bodies under DIR/wbxml_tree, pushes under DIR/pipeline.
+// bodies under DIR/wbxml_tree, pushes under DIR/pipeline, for a libFuzzer
+// merge into fuzz/seeds.
 #include <gtest/gtest.h>
 #include <wbxml/wbxml.h>
 
