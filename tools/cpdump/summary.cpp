@@ -71,6 +71,10 @@ class Lines {
         if (!line.empty()) *out_ += line + "\n";
     }
 
+    void Login(const char *type, const char *user, const char *password) {
+        Detail({{"login", Value(type)}, {"user", Value(user)}, {"password", Value(password)}});
+    }
+
    private:
     std::string *out_;
 };
@@ -84,9 +88,7 @@ void AccessPoints(Lines &lines, const tqsCtxNapDef *nap) {
                       {type.empty() ? "address" : type, Value(nap->pszNapAddress)},
                       {"DNS", Chain(nap->ptDnsAddr)}});
         for (const tqsCtxNapAuthInfo *a = nap->ptNapAuthInfo; a != nullptr; a = a->ptNext)
-            lines.Detail({{"login", Value(a->pszAuthType)},
-                          {"user", Value(a->pszAuthName)},
-                          {"password", Value(a->pszAuthSecret)}});
+            lines.Login(a->pszAuthType, a->pszAuthName, a->pszAuthSecret);
     }
 }
 
@@ -99,9 +101,7 @@ void Proxies(Lines &lines, const tqsCtxPxLogical *px) {
                           {"via access point", Chain(p->ptToNapId)}});
         lines.Detail({{"port", Ports(px->ptPort)}, {"start page", Value(px->pszStartPage)}});
         for (const tqsCtxPxAuthInfo *a = px->ptPxAuthInfo; a != nullptr; a = a->ptNext)
-            lines.Detail({{"login", Value(a->pszPxAuthType)},
-                          {"user", Value(a->pszPxAuthId)},
-                          {"password", Value(a->pszPxAuthPw)}});
+            lines.Login(a->pszPxAuthType, a->pszPxAuthId, a->pszPxAuthPw);
     }
 }
 
