@@ -12,8 +12,9 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
 
 # jni.h and the Linux jni_md.h of the host JDK hold for aarch64 as well (jint
-# is int, jlong is long, the rest is visibility), so the cross build takes
-# them from there; the sysroot has none.
+# is int, jlong is long, the rest is visibility), so the binding's floor (and
+# the fake JNI environment of its tests) takes them from there; the sysroot
+# has none. The core is built without them.
 foreach(jdk /usr/lib/jvm/default-java /usr/lib/jvm/java-17-openjdk-amd64)
   if(NOT JAVA_INCLUDE_PATH AND EXISTS ${jdk}/include/jni.h)
     set(JAVA_INCLUDE_PATH ${jdk}/include CACHE PATH "Directory of jni.h")

@@ -29,6 +29,14 @@ tests=$(cd "$work/app" && ctest -N | sed -n 's/^Total Tests: //p')
 built=$(find "$work/app" -type f -perm -u+x \( -name '*_test' -o -name 'fuzz_*' -o -name cpdump \))
 [ -z "$built" ] || fail "built: $built"
 
+# A consumer of the core alone needs no jni.h: the binding is off and JNI is
+# not even looked for.
+cmake -S "$here/subproject" -B "$work/core" -DTQOMACP_SOURCE_DIR="$src" -DTQOMACP_BUILD_BINDING=OFF \
+  -DCMAKE_DISABLE_FIND_PACKAGE_JNI=ON "${no_deps[@]}" "$@" >/dev/null
+cmake --build "$work/core" --target tqomacp_core tqomacp_names -j2 >/dev/null
+[ -f "$work/core/tqomacp/jni/libtqomacp_core.a" ] || fail "no libtqomacp_core.a"
+[ ! -e "$work/core/tqomacp/jni/libtqomacp.so" ] || fail "libtqomacp.so built without the binding"
+
 # The presets without an NDK say what to set; with one (a stand-in here) they
 # pass the ABI and the minimum platform to its toolchain file.
 cd "$src"
@@ -39,4 +47,4 @@ out=$(cmake -E env --unset=ANDROID_NDK_HOME ANDROID_NDK_ROOT="$here/fake-ndk" \
   cmake --preset android-x86_64 -B "$work/ndk" "${no_deps[@]}" 2>&1) || fail "$out"
 grep -q 'NDK toolchain: ABI x86_64, platform android-21' <<<"$out" || fail "toolchain not given ABI and platform: $out"
 options_off "$work/ndk" "${all_options[@]}"
-echo "subproject and Android presets: library only, no test, no GoogleTest, no JDK"
+echo "subproject, core alone and Android presets: library only, no test, no GoogleTest, no JDK"

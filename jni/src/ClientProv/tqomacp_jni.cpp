@@ -1,14 +1,18 @@
+// The Java binding: the parse session (the PDU in, the header record and the
+// context kept in process-wide state), the 85 natives as thin named entry
+// points over the query tables below, and their registration when the Java
+// VM loads the library. How the tables are walked lives in tqomacp_jni_query,
+// the conversion of stored bytes to Java strings in tqomacp_jni_strings, and
+// the names and mappings of value tokens, which need no JNI, in
+// tqomacp_jni_names.
 #include "tqomacp_jni.h"
-
-#include "tqomacp_jni_names.h"
 
 #include <stddef.h>
 #include <stdint.h>
-#include <stdlib.h>
-#include <string.h>
 
-#include <type_traits>
-
+#include "tqomacp_jni_names.h"
+#include "tqomacp_jni_query.h"
+#include "tqomacp_jni_strings.h"
 #include "tqsClientProvCtx.h"
 #include "tqsClientProvWbxmlDecoder.h"
 #include "tqsmemory.h"
@@ -19,227 +23,14 @@ tqsClientProvCtx *ptCtx = nullptr;
 
 namespace {
 
+using namespace tqsjni;
+
 // Header record of the last parse; private to the session.
 SmlPushHeader *ptPushHeader = nullptr;
 
 // ---------------------------------------------------------------------------
-// Java strings. NewStringUTF wants modified UTF-8 (Android's checked JNI
-// aborts on anything else), while the context holds raw bytes: texts, and
-// token code bytes such as 0x85. Modified UTF-8 passes unchanged, a 4-byte
-// UTF-8 sequence becomes its surrogate pair, and every other byte becomes the
-// char of the same value.
+// Query tables: one entry per getter.
 // ---------------------------------------------------------------------------
-
-inline bool IsContinuation(unsigned char byte) {
-    return (byte & 0xC0u) == 0x80u;
-}
-
-// Length (1 to 3) of the modified UTF-8 sequence at s: a byte below 0x80,
-// C0 80 (U+0000), or a shortest 2- or 3-byte form, surrogates included; 0
-// when none starts there. Never reads past the terminating zero, which is no
-// continuation byte.
-uint32_t ModifiedUtf8Length(const unsigned char *s) {
-    const unsigned char lead = s[0];
-    if (lead < 0x80) return 1;
-    if (lead == 0xC0) return s[1] == 0x80 ? 2 : 0;
-    if (lead >= 0xC2 && lead <= 0xDF) return IsContinuation(s[1]) ? 2 : 0;
-    if (lead == 0xE0) return s[1] >= 0xA0 && s[1] <= 0xBF && IsContinuation(s[2]) ? 3 : 0;
-    if (lead >= 0xE1 && lead <= 0xEF) return IsContinuation(s[1]) && IsContinuation(s[2]) ? 3 : 0;
-    return 0;
-}
-
-// Code point of the shortest 4-byte UTF-8 sequence at s (U+10000 to
-// U+10FFFF), or 0 when none starts there.
-uint32_t SupplementaryCodePoint(const unsigned char *s) {
-    if (s[0] < 0xF0 || s[0] > 0xF4) return 0;
-    uint32_t value = s[0] & 0x07u;
-    for (int i = 1; i < 4; ++i) {
-        if (!IsContinuation(s[i])) return 0;
-        value = (value << 6) | (s[i] & 0x3Fu);
-    }
-    return value >= 0x10000 && value <= 0x10FFFF ? value : 0;
-}
-
-// Appends one UTF-16 unit of U+0080 or above in modified UTF-8.
-unsigned char *PutUnit(unsigned char *out, uint32_t unit) {
-    if (unit < 0x800) {
-        *out++ = static_cast<unsigned char>(0xC0 | (unit >> 6));
-        *out++ = static_cast<unsigned char>(0x80 | (unit & 0x3F));
-    } else {
-        *out++ = static_cast<unsigned char>(0xE0 | (unit >> 12));
-        *out++ = static_cast<unsigned char>(0x80 | ((unit >> 6) & 0x3F));
-        *out++ = static_cast<unsigned char>(0x80 | (unit & 0x3F));
-    }
-    return out;
-}
-
-// Converts length bytes of text into out (room for 2 * length + 1).
-void ToModifiedUtf8(const unsigned char *text, size_t length, unsigned char *out) {
-    for (size_t i = 0; i < length;) {
-        uint32_t n = ModifiedUtf8Length(text + i);
-        if (n != 0) {
-            memcpy(out, text + i, n);
-            out += n;
-            i += n;
-        } else if (uint32_t codePoint = SupplementaryCodePoint(text + i); codePoint != 0) {
-            codePoint -= 0x10000;
-            out = PutUnit(out, 0xD800 + (codePoint >> 10));
-            out = PutUnit(out, 0xDC00 + (codePoint & 0x3FF));
-            i += 4;
-        } else {
-            out = PutUnit(out, text[i]);
-            i += 1;
-        }
-    }
-    *out = 0;
-}
-
-// Room for the converted texts of stored values up to 255 bytes.
-constexpr size_t kConversionStack = 512;
-
-// A new Java string from a stored value; null for a null value.
-jstring NewJavaString(JNIEnv *env, const char *value) {
-    if (value == nullptr) return nullptr;
-    const unsigned char *text = reinterpret_cast<const unsigned char *>(value);
-    bool plain = true;
-    size_t length = 0;
-    while (text[length] != 0) {
-        const uint32_t n = ModifiedUtf8Length(text + length);
-        plain = plain && n != 0;
-        length += n == 0 ? 1 : n;
-    }
-    if (plain) return env->NewStringUTF(value);
-    // Each input byte yields at most two output bytes (a stray byte: 2; a
-    // 4-byte sequence: two 3-byte surrogates). The buffer is scratch of one
-    // call, outside the tracker, so that a getter leaves no trace in it.
-    // Only a 32-bit size could wrap; such a text gives null, not a short buffer.
-    if (length > (SIZE_MAX - 1) / 2) return nullptr;
-    const size_t size = 2 * length + 1;
-    unsigned char onStack[kConversionStack];
-    unsigned char *converted = size <= sizeof onStack ? onStack : static_cast<unsigned char *>(malloc(size));
-    if (converted == nullptr) return nullptr;
-    ToModifiedUtf8(text, length, converted);
-    jstring result = env->NewStringUTF(reinterpret_cast<const char *>(converted));
-    if (converted != onStack) free(converted);
-    return result;
-}
-
-// ---------------------------------------------------------------------------
-// Record walks. Every context record is a run of pointer fields; chains link
-// through their last field, ptNext. A path says, per int argument, which list
-// head to take from the current record and where that list's records keep
-// ptNext; one walk serves every getter.
-// ---------------------------------------------------------------------------
-
-struct Hop {
-    uint16_t head;  // offset of the list head in the current record
-    uint16_t next;  // offset of ptNext in the records of that list
-};
-
-// The list field `field` of Parent; the child type comes from the field itself.
-#define TQ_HOP(Parent, field)                                                                     \
-    Hop {                                                                                         \
-        offsetof(Parent, field), offsetof(std::remove_pointer_t<decltype(Parent::field)>, ptNext) \
-    }
-#define TQ_FIELD(Record, field) static_cast<uint16_t>(offsetof(Record, field))
-
-constexpr int kMaxDepth = 4;
-
-// One selection per int argument, starting at the root context.
-struct Path {
-    int depth;
-    Hop hops[kMaxDepth];
-};
-
-constexpr Path Extend(Path path, Hop hop) {
-    path.hops[path.depth++] = hop;
-    return path;
-}
-
-constexpr Path From(Hop hop) {
-    return Extend(Path{0, {}}, hop);
-}
-
-const void *PointerAt(const void *record, uint16_t offset) {
-    const void *value;
-    memcpy(&value, static_cast<const char *>(record) + offset, sizeof value);
-    return value;
-}
-
-const char *StringAt(const void *record, uint16_t offset) {
-    return static_cast<const char *>(PointerAt(record, offset));
-}
-
-// Record i (1-based) of a chain; null for i below 1 or beyond the end.
-const void *SelectNth(const void *head, uint16_t next, jint i) {
-    if (i < 1) return nullptr;
-    jint n = 1;
-    for (const void *record = head; record != nullptr; record = PointerAt(record, next), ++n) {
-        if (n == i) return record;
-    }
-    return nullptr;
-}
-
-// The BEARER count's own walk: it advances only while the counter is below i,
-// so i of 1 or less selects the head.
-const void *SelectAtMost(const void *head, uint16_t next, jint i) {
-    const void *record = head;
-    for (jint n = 1; record != nullptr && n < i; ++n) record = PointerAt(record, next);
-    return record;
-}
-
-jint CountChain(const void *head, uint16_t next) {
-    jint count = 0;
-    for (const void *record = head; record != nullptr; record = PointerAt(record, next)) ++count;
-    return count;
-}
-
-// Follows the path with one record number per step. The getters are only
-// valid on a published context; with none (ptCtx null) nothing is selected
-// instead of reading through null.
-const void *Select(const Path &path, const jint *numbers) {
-    const void *record = ptCtx;
-    for (int i = 0; i < path.depth && record != nullptr; ++i) {
-        record = SelectNth(PointerAt(record, path.hops[i].head), path.hops[i].next, numbers[i]);
-    }
-    return record;
-}
-
-// Count getters: the records selected by the arguments, then the list counted.
-struct CountQuery {
-    Path path;
-    Hop list;
-};
-
-// Data getters: the records selected by the arguments, then the string read.
-struct DataQuery {
-    Path path;
-    uint16_t field;
-};
-
-jint CountOf(const CountQuery &query, const jint *numbers) {
-    const void *record = Select(query.path, numbers);
-    return record == nullptr ? 0 : CountChain(PointerAt(record, query.list.head), query.list.next);
-}
-
-jstring DataOf(JNIEnv *env, const DataQuery &query, const jint *numbers) {
-    const void *record = Select(query.path, numbers);
-    return record == nullptr ? nullptr : NewJavaString(env, StringAt(record, query.field));
-}
-
-template <const CountQuery &Query, class... Numbers>
-jint Count(Numbers... numbers) {
-    static_assert(sizeof...(Numbers) == Query.path.depth, "one record number per path step");
-    const jint list[] = {numbers..., 0};
-    return CountOf(Query, list);
-}
-
-template <const DataQuery &Query, class... Numbers>
-jstring Data(JNIEnv *env, Numbers... numbers) {
-    static_assert(sizeof...(Numbers) == Query.path.depth, "one record number per path step");
-    const jint list[] = {numbers..., 0};
-    return DataOf(env, Query, list);
-}
 
 // Paths to the records the int arguments select.
 constexpr Path kPxLogical = From(TQ_HOP(tqsClientProvCtx, ptPxLogical));
@@ -253,15 +44,7 @@ constexpr Path kApplication = From(TQ_HOP(tqsClientProvCtx, ptApplication));
 constexpr Path kAppAddr = Extend(kApplication, TQ_HOP(tqsCtxApplication, ptAppAddr));
 constexpr Path kAppPort = Extend(kAppAddr, TQ_HOP(tqsCtxAppAddr, ptPort));
 constexpr Path kAccess = From(TQ_HOP(tqsClientProvCtx, ptAccess));
-constexpr Path kRoot = Path{0, {}};
 
-// The string of a string-chain node (the same field for all thirteen kinds).
-constexpr uint16_t kNodeString = TQ_FIELD(tqsCtxStrNode, pszStr);
-
-// String-list data getter: the list is the last step of the path.
-constexpr DataQuery ListItem(Path owner, Hop list) {
-    return DataQuery{Extend(owner, list), kNodeString};
-}
 
 // Count getters.
 constexpr CountQuery kPxLogicalCount{kRoot, TQ_HOP(tqsClientProvCtx, ptPxLogical)};
@@ -330,187 +113,7 @@ constexpr Path kPxPortService = Extend(kPxPort, TQ_HOP(tqsCtxPort, ptService));
 constexpr Path kPxPhysicalPortService = Extend(kPxPhysicalPort, TQ_HOP(tqsCtxPort, ptService));
 constexpr Path kBearer = Extend(kNapDef, kBearerList);
 
-}  // namespace
-
-// ---------------------------------------------------------------------------
-// Service and bearer names. One array: the eleven service entries, then the
-// twenty-eight bearer entries, so a service position past 10 names a bearer.
-// ---------------------------------------------------------------------------
-
-const tqsJniCodeName tqsJniCodeNames[TQS_JNI_CODE_NAMES] = {
-    {0xCA, "CL-WSP"},
-    {0xCB, "CO-WSP"},
-    {0xCC, "CL-SEC-WSP"},
-    {0xCD, "CO-SEC-WSP"},
-    {0xCE, "CL-SEC-WTA"},
-    {0xCF, "CO-SEC-WTA"},
-    {0xD0, "OTA-HTTP-TO"},
-    {0xD1, "OTA-HTTP-TLS-TO"},
-    {0xD2, "OTA-HTTP-PO"},
-    {0xD3, "OTA-HTTP-TLS-PO"},
-    {0, "Unkown Service"},
-    // Bearer names.
-    {0xA2, "GSM-USSD"},
-    {0xA3, "GSM-SMS"},
-    {0xA4, "ANSI-136-GUTS"},
-    {0xA5, "IS-95-CDMA-SMS"},
-    {0xA6, "IS-95-CDMA-CSD"},
-    {0xA7, "IS-95-CDMA-PACKET"},
-    {0xA8, "ANSI-136-CSD"},
-    {0xA9, "ANSI-136-GPRS"},
-    {0xAA, "GSM-CSD"},
-    {0xAB, "GSM-GPRS"},
-    {0xAC, "AMPS-CDPD"},
-    {0xAD, "PDC-CSD"},
-    {0xAE, "PDC-PACKET"},
-    {0xAF, "IDEN-SMS"},
-    {0xB0, "IDEN-CSD"},
-    {0xB1, "IDEN-PACKET"},
-    {0xB2, "FLEX/REFLEX"},
-    {0xB3, "PHS-SMS"},
-    {0xB4, "PHS-CSD"},
-    {0xB5, "TETRA-SDS"},
-    {0xB6, "TETRA-PACKET"},
-    {0xB7, "ANSI-136-GHOST"},
-    {0xB8, "MOBITEX-MPAK"},
-    {0xB9, "CDMA2000-1X-SIMPLE-IP"},
-    {0xBA, "CDMA2000-1X-MOBILE-IP"},
-    {0xBB, "3G-GSM"},
-    {0xBC, "WLAN"},
-    {0, "Unkown Bearer"},
-};
-
-// Positions past both tables give null.
-const char *tqsJniServiceName(int s) {
-    return s >= 0 && s < TQS_JNI_CODE_NAMES ? tqsJniCodeNames[s].name : nullptr;
-}
-
-const char *tqsJniBearerName(unsigned char code) {
-    const tqsJniCodeName *bearers = tqsJniCodeNames + TQS_JNI_SERVICE_NAMES;
-    for (int i = 0; i < TQS_JNI_BEARER_CODES; ++i) {
-        if (bearers[i].code == code) return bearers[i].name;
-    }
-    return bearers[TQS_JNI_BEARER_CODES].name;
-}
-
-// ---------------------------------------------------------------------------
-// Element mappings of the composite getters. Rows are tested in order; a row
-// matches the exact text (case-insensitively where it says so) or, when it
-// has a code, the value's first byte.
-// ---------------------------------------------------------------------------
-
-namespace {
-
-struct TokenRow {
-    int code;  // -1: no code byte accepted
-    const char *text;
-    bool anyCase;
-    const char *element;
-};
-
-enum class Fallback : uint8_t {
-    kText,  // write `fallbackText`
-    kNull,  // write null
-    kSkip,  // write nothing; later elements move up one index
-};
-
-struct TokenMap {
-    const TokenRow *rows;
-    int count;
-    Fallback fallback;
-    const char *fallbackText;
-};
-
-// Address types are reported as IPV4 unless they say IPV6.
-constexpr TokenRow kPxAddrTypeRows[] = {
-    {0x85, "IPV4", false, "NET_ADDR_IPV4"},
-    {0x86, "IPV6", false, "NET_ADDR_IPV6"},
-};
-// Only a raw code byte names a NAP address type; a text matches nothing.
-constexpr TokenRow kNapAddrTypeRows[] = {
-    {0x85, nullptr, false, "0x85"}, {0x86, nullptr, false, "0x86"}, {0x87, nullptr, false, "0x87"},
-    {0x88, nullptr, false, "0x88"}, {0x89, nullptr, false, "0x89"}, {0x8A, nullptr, false, "0x8a"},
-    {0x8B, nullptr, false, "0x8b"}, {0x8C, nullptr, false, "0x8c"},
-};
-constexpr TokenRow kAuthTypeRows[] = {
-    {0x9A, "PAP", false, "PAP"},
-    {0x9B, "CHAP", false, "CHAP"},
-    {0x9C, "HTTP-BASIC", false, "HTTP-BASIC"},
-    {0x9D, "HTTP-DIGEST", false, "HTTP-DIGEST"},
-    {0x9E, "WTLS-SS", false, "WTLS-SS"},
-    {0x9F, "MD5", false, "MD5"},
-};
-// APPSRV by code or exact text, CLIENT by text in any case only.
-constexpr TokenRow kAAuthLevelRows[] = {
-    {0x8D, "APPSRV", false, "APPSRV"},
-    {-1, "CLIENT", true, "CLIENT"},
-};
-
-template <size_t N>
-constexpr TokenMap MapOf(const TokenRow (&rows)[N], Fallback fallback, const char *text = nullptr) {
-    return TokenMap{rows, static_cast<int>(N), fallback, text};
-}
-
-// Indexed by tqsJniMapping.
-constexpr TokenMap kTokenMaps[] = {
-    MapOf(kPxAddrTypeRows, Fallback::kText, "NET_ADDR_IPV4"),
-    MapOf(kNapAddrTypeRows, Fallback::kSkip),
-    MapOf(kAuthTypeRows, Fallback::kText, "NONE"),
-    MapOf(kAAuthLevelRows, Fallback::kNull),
-};
-static_assert(sizeof kTokenMaps / sizeof kTokenMaps[0] == TQS_JNI_MAP_AAUTH_LEVEL + 1, "one map per mapping");
-
-bool RowMatches(const TokenRow &row, const char *value) {
-    if (row.code >= 0 && static_cast<unsigned char>(value[0]) == row.code) return true;
-    if (row.text == nullptr) return false;
-    return (row.anyCase ? tqsStricmp(value, row.text) : tqsStrcmp(value, row.text)) == 0;
-}
-
-}  // namespace
-
-int tqsJniMapElement(tqsJniMapping mapping, const char *stored, const char **element) {
-    *element = nullptr;
-    if (stored == nullptr) return 1;
-    const TokenMap &map = kTokenMaps[mapping];
-    for (int i = 0; i < map.count; ++i) {
-        if (RowMatches(map.rows[i], stored)) {
-            *element = map.rows[i].element;
-            return 1;
-        }
-    }
-    if (map.fallback == Fallback::kSkip) return 0;
-    *element = map.fallbackText;
-    return 1;
-}
-
-namespace {
-
-jstring ServiceData(JNIEnv *env, const Path &path, const jint *numbers, jint s) {
-    if (Select(path, numbers) == nullptr) return nullptr;
-    const char *name = tqsJniServiceName(s);
-    return name == nullptr ? nullptr : env->NewStringUTF(name);
-}
-
-// ---------------------------------------------------------------------------
-// Composite getters: a String[] of a record's leading string fields in record
-// order, an explicit null after them, at most one element mapped to a name.
-// ---------------------------------------------------------------------------
-
-struct RecordQuery {
-    Path path;
-    jsize length;  // array length: the fields, then the end mark
-    struct {
-        int field;  // index of the mapped field, -1 for none
-        tqsJniMapping mapping;
-    } mapped;
-};
-
-constexpr decltype(RecordQuery::mapped) kNoMap{-1, TQS_JNI_MAP_PX_ADDR_TYPE};
-
-// Number of leading string fields up to and including `last`, plus the end mark.
-#define TQ_ARRAY_THROUGH(Record, last) static_cast<jsize>(offsetof(Record, last) / sizeof(char *) + 2)
-#define TQ_INDEX(Record, field) static_cast<int>(offsetof(Record, field) / sizeof(char *))
-
+// Composite getters.
 constexpr RecordQuery kProxyData{kPxLogical, TQ_ARRAY_THROUGH(tqsCtxPxLogical, pszReserved5), kNoMap};
 constexpr RecordQuery kPxAuthInfoData{Extend(kPxLogical, TQ_HOP(tqsCtxPxLogical, ptPxAuthInfo)),
                                       TQ_ARRAY_THROUGH(tqsCtxPxAuthInfo, pszPxAuthPw), kNoMap};
@@ -551,46 +154,6 @@ static_assert(kProxyData.length == 14 && kPxAuthInfoData.length == 4 && kPxPhysi
 static_assert(kPxPhysicalData.mapped.field == 2 && kNapDefData.mapped.field == 4 &&
                   kNapAuthInfoData.mapped.field == 0 && kAppAuthData.mapped.field == 0,
               "mapped elements");
-
-// A String[] whose elements all start as one shared empty string. A VM that
-// cannot make it has an exception pending; the getter then answers null
-// instead of writing into a null array.
-jobjectArray NewRecordArray(JNIEnv *env, jsize length) {
-    jclass stringClass = env->FindClass("java/lang/String");
-    if (stringClass == nullptr) return nullptr;
-    return env->NewObjectArray(length, stringClass, env->NewStringUTF(""));
-}
-
-void FillRecordArray(JNIEnv *env, jobjectArray array, const void *record, const RecordQuery &query) {
-    jsize index = 0;
-    for (int field = 0; field < query.length - 1; ++field) {
-        const char *value = StringAt(record, static_cast<uint16_t>(field * sizeof(char *)));
-        if (field != query.mapped.field) {
-            env->SetObjectArrayElement(array, index++, NewJavaString(env, value));
-            continue;
-        }
-        const char *element;
-        if (!tqsJniMapElement(query.mapped.mapping, value, &element)) continue;
-        env->SetObjectArrayElement(array, index++, element == nullptr ? nullptr : env->NewStringUTF(element));
-    }
-    env->SetObjectArrayElement(array, index, nullptr);
-}
-
-// The record the numbers select as a String[]; null when there is none.
-jobjectArray RecordOf(JNIEnv *env, const RecordQuery &query, const jint *numbers) {
-    const void *record = Select(query.path, numbers);
-    if (record == nullptr) return nullptr;
-    jobjectArray array = NewRecordArray(env, query.length);
-    if (array != nullptr) FillRecordArray(env, array, record, query);
-    return array;
-}
-
-template <const RecordQuery &Query, class... Numbers>
-jobjectArray Record(JNIEnv *env, Numbers... numbers) {
-    static_assert(sizeof...(Numbers) == Query.path.depth, "one record number per path step");
-    const jint list[] = {numbers..., 0};
-    return RecordOf(env, Query, list);
-}
 
 // ---------------------------------------------------------------------------
 // Push header queries.

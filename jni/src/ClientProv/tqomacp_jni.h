@@ -1,5 +1,6 @@
 // Java binding: the parse session, the 85 natives of com.tqomacp.eng.parser
-// and their registration when the Java VM loads the library.
+// and their registration when the Java VM loads the library. The only public
+// header that includes jni.h; the core's headers never do.
 //
 // Every native is jni_tqomacp_ + the Java method name without its "tqomacp_"
 // prefix; it ignores its receiver. Record numbers are 1-based, outermost first.

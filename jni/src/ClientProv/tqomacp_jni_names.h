@@ -1,7 +1,7 @@
 // Names the Java binding gives to raw value-token codes: the service and
-// bearer tables and the element mappings of the composite getters. Internal to
-// the library (tools link the static library); nothing here is exported from
-// the shared one.
+// bearer tables and the element mappings of the composite getters. No JNI
+// here: a floor of its own (tqomacp_names) that the binding and the tools
+// link alike; nothing of it is exported from the shared library.
 #ifndef TQOMACP_JNI_NAMES_H
 #define TQOMACP_JNI_NAMES_H
 
