@@ -39,8 +39,8 @@ public class ProvisioningMessageTest {
 
   // What the corpus lacks: two NAPDEFs with two VALIDITY each, the first with NAP-ADDRTYPE as the
   // raw code 0x89 and a text BEARER before GSM-GPRS, the second with the token E164; ROAMING in
-  // two APPLICATIONs (w5, w2); a WI-FI whose twelve parms are "a" to "l". Built by the JVM
-  // tests' Wbxml builder, as a push with SEC USERPIN and no MAC.
+  // two APPLICATIONs (w5, w2); a WI-FI whose twelve parms are "a" to "l". A push with SEC
+  // USERPIN and no MAC.
   private static final String BUILT =
       "010603b69181030b6a0045c600005501871106034e41503100018708060361706e2e6f6e6500018709060389"
       + "0001870a06034953444e00018710060374657874206265617265720001871006ab01c6000054018712060356"

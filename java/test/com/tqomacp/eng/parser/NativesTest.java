@@ -1,0 +1,197 @@
+package com.tqomacp.eng.parser;
+
+import static com.tqomacp.eng.parser.XCPCtxApplication.*;
+import static com.tqomacp.eng.parser.XCPCtxNapDef.*;
+import static com.tqomacp.eng.parser.XCPCtxParser.*;
+import static com.tqomacp.eng.parser.XCPCtxPxLogical.*;
+import static org.junit.Assert.*;
+
+import java.io.ByteArrayOutputStream;
+import java.lang.reflect.Method;
+import java.lang.reflect.Modifier;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.nio.file.Paths;
+import java.util.Arrays;
+import java.util.Comparator;
+import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+import org.junit.After;
+import org.junit.Before;
+import org.junit.Test;
+
+/**
+ * The natives in a real VM under -Xcheck:jni: every corpus push through the parse entry, every
+ * getter and the release; then what only a VM shows of the strings, and the quirks of the counts,
+ * the VALIDITY walk and the NAPDEF cursor that the in-process tests leave open. The getters' other
+ * rules are pinned on the fake VM (tests/tqomacp_jni_test.cpp, fuzz/harness/session.cpp).
+ */
+public class NativesTest {
+  private static final String[] NO_PROXY = new String[14];
+
+  static {
+    Arrays.fill(NO_PROXY, "");
+  }
+
+  @Before
+  @After
+  public void release() {
+    tqomacp_parser_del();
+  }
+
+  /** The natives of the eight context classes, by name, without the cursor. */
+  private static List<Method> getters(Class<?>... classes) {
+    return Arrays.stream(classes)
+        .flatMap(c -> Arrays.stream(c.getDeclaredMethods()))
+        .filter(m -> Modifier.isNative(m.getModifiers()))
+        .filter(m -> !m.getName().equals("tqomacp_SetPxNapDefIndex"))
+        .sorted(Comparator.comparing(Method::getName))
+        .collect(Collectors.toList());
+  }
+
+  private static final List<Method> NAPDEF_GETTERS = getters(XCPCtxNapDef.class);
+  private static final List<Method> GETTERS = getters(XCPCtxPxLogical.class, XCPCtxNapDef.class,
+      XCPCtxBootstrap.class, XCPCtxClientIdentity.class, XCPCtxVendorConfig.class,
+      XCPCtxApplication.class, XCPCtxAccess.class, XCPCtxWifi.class);
+
+  /**
+   * Calls each getter with every record number from -1 to 3 in every position. A number of 0 or
+   * below, or no context, selects nothing (0 or null), except for the BEARER count (the first
+   * NAPDEF), the unused second number of the VALIDITY getter and the PXLOGICAL array (fourteen
+   * empty strings). Arrays must be of their declared class.
+   */
+  private static void sweep(String sample, List<Method> getters, boolean context) throws Exception {
+    for (Method m : getters) {
+      String name = m.getName();
+      int arity = m.getParameterCount();
+      for (int combination = 0; combination < (int) Math.pow(5, arity); combination++) {
+        Object[] args = new Object[arity];
+        boolean nothing = !context;
+        for (int i = 0, rest = combination; i < arity; i++, rest /= 5) {
+          args[i] = rest % 5 - 1;
+          boolean unused = name.equals("tqomacp_GetPxValidityData") && i == 1;
+          nothing |= rest % 5 - 1 <= 0 && !unused && !name.equals("tqomacp_GetPxBearerCount");
+        }
+        String at = sample + " " + name + Arrays.toString(args);
+        Object result = m.invoke(null, args);
+        if (name.equals("tqomacp_GetProxyData")) {
+          assertEquals(at, 14, ((String[]) result).length);
+          if (nothing) {
+            assertArrayEquals(at, NO_PROXY, (String[]) result);
+          }
+        } else if (result instanceof Integer) {
+          assertTrue(at, (Integer) result >= 0);
+          if (nothing) {
+            assertEquals(at, 0, result);
+          }
+        } else if (nothing) {
+          assertNull(at, result);
+        } else if (result != null) {
+          assertEquals(at, m.getReturnType(), result.getClass());
+        }
+      }
+    }
+  }
+
+  @Test
+  public void everyCorpusPushThroughEveryNative() throws Exception {
+    Path root = Paths.get(System.getProperty("tqomacp.corpus"));
+    List<Path> pdus;
+    try (Stream<Path> files = Files.walk(root)) {
+      pdus = files.filter(p -> p.toString().endsWith(".pdu")).sorted().collect(Collectors.toList());
+    }
+    int parsed = 0;
+    for (Path path : pdus) {
+      String sample = root.relativize(path).toString();
+      byte[] pdu = Files.readAllBytes(path);
+      if (tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY)) {
+        int bodyStart = 3 + tqomacp_GetParserHeaderLen();
+        assertArrayEquals(sample, Arrays.copyOfRange(pdu, bodyStart, pdu.length), tqomacp_GetParserBody());
+        assertEquals(sample, tqomacp_GetParserMACLen(), tqomacp_GetParserMAC().length);
+      }
+      tqomacp_parser_del();
+
+      boolean full = tqomacp_parser(pdu, pdu.length, MODE_FULL);
+      parsed += full ? 1 : 0;
+      sweep(sample, GETTERS, full);
+      int naps = tqomacp_GetPxNapDefCount();
+      tqomacp_SetPxNapDefIndex(2);
+      assertEquals(sample, Math.max(0, naps - 1), tqomacp_GetPxNapDefCount());
+      sweep(sample, NAPDEF_GETTERS, full);
+      tqomacp_parser_del();
+    }
+    assertEquals(85, pdus.size());
+    // Which ones are refused, and why: tools/cpdump/tests/golden/refused.txt.
+    assertEquals(65, parsed);
+  }
+
+  /** Bytes as given, strings as inline strings (STR_I, UTF-8, zero-terminated). */
+  private static byte[] wbxml(Object... parts) {
+    ByteArrayOutputStream out = new ByteArrayOutputStream();
+    for (Object part : parts) {
+      if (part instanceof String) {
+        out.write(0x03);
+        out.writeBytes(((String) part).getBytes(StandardCharsets.UTF_8));
+        out.write(0x00);
+      } else {
+        out.write((Integer) part);
+      }
+    }
+    return out.toByteArray();
+  }
+
+  private static final int CHAR = 0xC6, PARM = 0x87, VALUE = 0x06, END = 0x01;
+  private static final String EMOJI = "\u00e9\u20ac\ud83d\ude00";
+  private static final byte[] PUSH = wbxml(0x01, 0x06, 0x03, 0xB6, 0x91, 0x81, // push, SEC USERPIN
+      0x03, 0x0B, 0x6A, 0x00, 0x45, // WBXML 1.3, PROV 1.0, UTF-8, document
+      CHAR, 0x51, END, // PXLOGICAL
+      PARM, 0x07, VALUE, 0x03, 0x85, 0x78, 0x00, END, // NAME: a lone code byte, then x
+      PARM, 0x1C, VALUE, EMOJI, END, END, // STARTPAGE: two-, three- and four-byte UTF-8
+      CHAR, 0x55, END, PARM, 0x11, VALUE, "NAP1", END, // NAPDEF NAP1
+      PARM, 0x10, VALUE, "text", END, PARM, 0x10, VALUE, 0xAB, END, // BEARER text, GSM-GPRS
+      CHAR, 0x54, END, PARM, 0x12, VALUE, "V11", END, END, END, // VALIDITY
+      CHAR, 0x55, END, PARM, 0x11, VALUE, "NAP2", END, PARM, 0x10, VALUE, 0xAB, END, // NAPDEF NAP2
+      CHAR, 0x54, END, PARM, 0x12, VALUE, "V21", END, END, // two VALIDITY
+      CHAR, 0x54, END, PARM, 0x12, VALUE, "V22", END, END, END,
+      CHAR, 0x00, 0x01, 0x55, END, // APPLICATION (page 1)
+      CHAR, 0x56, END, PARM, 0x34, VALUE, "host", END, // APPADDR, ADDR
+      CHAR, 0x00, 0x00, 0x53, END, PARM, 0x24, VALUE, 0xCB, END, // PORT (page 0), SERVICE CO-WSP
+      END, END, END, END);
+
+  @Test
+  public void stringsCountsAndTheCursorOnABuiltPush() {
+    // Any mode other than 1 decodes the body.
+    assertTrue(tqomacp_parser(PUSH, PUSH.length, 7));
+    String[] proxy = tqomacp_GetProxyData(1);
+    assertEquals("\u0085x", proxy[4]); // a lone code byte becomes the char of the same value
+    assertEquals(EMOJI, proxy[7]); // a supplementary character arrives as its surrogate pair
+
+    // The BEARER count walks "while below n": 0 and negatives select the first NAPDEF. A text
+    // bearer answers with the NAP-ADDRESS, and there is none here.
+    assertArrayEquals(new int[] {2, 2, 2, 1}, new int[] {tqomacp_GetPxBearerCount(0),
+      tqomacp_GetPxBearerCount(-4), tqomacp_GetPxBearerCount(1), tqomacp_GetPxBearerCount(2)});
+    assertArrayEquals(new String[] {null, "GSM-GPRS"},
+        new String[] {tqomacp_GetPxBearerData(1, 1), tqomacp_GetPxBearerData(1, 2)});
+    // n selects the NAPDEF and then its n-th VALIDITY; k is never used.
+    assertEquals("V11", tqomacp_GetPxValidityData(1, 5)[0]);
+    assertEquals("V22", tqomacp_GetPxValidityData(2, 1)[0]);
+    // APPADDR services are given as stored (the raw CO-WSP code), proxy ones by position.
+    assertEquals("\u00cb", tqomacp_GetPxServiceData(1, 1, 1, 1));
+
+    // A header-only parse replaces the header and leaves the context in place.
+    assertTrue(tqomacp_parser(Arrays.copyOf(PUSH, 6), 6, MODE_HEADER_ONLY));
+    assertEquals(0, tqomacp_GetParserBodyLen());
+    assertEquals(2, tqomacp_GetPxNapDefCount());
+
+    // The cursor moves the head: the getters count from there.
+    tqomacp_SetPxNapDefIndex(2);
+    assertEquals(1, tqomacp_GetPxNapDefCount());
+    assertEquals("NAP2", tqomacp_GetPxNapDefData(1)[0]);
+    assertEquals("V21", tqomacp_GetPxValidityData(1, 1)[0]);
+    tqomacp_SetPxNapDefIndex(0);
+    assertEquals(0, tqomacp_GetPxNapDefCount());
+    assertEquals(0, tqomacp_GetPxBearerCount(1));
+  }
+}
