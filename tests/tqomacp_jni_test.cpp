@@ -375,7 +375,13 @@ TEST_F(TqomacpJniGetters, EveryWalkIsBoundedAndNeedsAContext) {
     EXPECT_EQ(jni_tqomacp_GetPxWifiData(env, nullptr, 1), nullptr);
     EXPECT_EQ(jni_tqomacp_GetPxRoamingData(env, nullptr), nullptr);
     EXPECT_EQ(A(jni_tqomacp_GetProxyData(env, nullptr, 1)), Strings(14, std::string()));
+    // The NAPDEF cursor moves nothing without a published context.
+    auto naps = ctx.Chain(&ctx.root->ptNapDef, 3);
     jni_tqomacp_SetPxNapDefIndex(env, nullptr, 2);
+    EXPECT_EQ(ctx.root->ptNapDef, naps[0]);
+    ptCtx = ctx.root;
+    jni_tqomacp_SetPxNapDefIndex(env, nullptr, 2);
+    EXPECT_EQ(ctx.root->ptNapDef, naps[1]);
 }
 
 TEST_F(TqomacpJniGetters, StringsReachJavaAsModifiedUtf8) {
