@@ -48,7 +48,10 @@ std::string ExplainBodyRejection(const WbxmlFacts &facts, const Diagnosis &d, lo
         const std::string byte = Hex(d.byte) + (d.token != nullptr ? std::string(" (") + d.token + ")" : "");
         return "malformed WBXML at body " + where + ", in " + d.path + ": " + byte + " is read as " + d.what;
     }
-    if (d.status != TQS_OK) return "malformed WBXML (status " + Hex(d.status, 1) + ")";
+    if (d.status != TQS_OK) {
+        const char *name = tqsResultName(d.status);
+        return "malformed WBXML (status " + (name != nullptr ? std::string(name) : Hex(d.status, 1)) + ")";
+    }
     if (d.empty_document) return "empty provisioning document (no characteristics)";
     return "the document yields no provisioning context";
 }

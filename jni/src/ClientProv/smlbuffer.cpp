@@ -76,7 +76,7 @@ TqsResult smlBufferCreate(SmlBuffer **out, uint32_t capacity) {
     }
     buffer->nBufSize = capacity;
     buffer->pBase = storage;
-    smlBufferInit(buffer);
+    (void)smlBufferInit(buffer);  // cannot fail: the record is not null
     *out = buffer;
     return TQS_OK;
 }
@@ -88,7 +88,7 @@ TqsResult smlBufferCreateOutsideBuf(SmlBuffer **out, unsigned char *storage, uin
     buffer->bOutside = 1;
     buffer->nBufSize = size;
     buffer->pBase = storage;
-    smlBufferInit(buffer);
+    (void)smlBufferInit(buffer);  // cannot fail: the record is not null
     *out = buffer;
     return TQS_OK;
 }

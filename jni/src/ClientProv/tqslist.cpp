@@ -93,7 +93,7 @@ TqsListNode *Walk(const TqsList *list, uint32_t index) {
 
 // The node at index and its item for the index operations; out is null on
 // every failure.
-TqsResult NodeAt(TqsList *list, void **out, uint32_t index, TqsListNode **node) {
+[[nodiscard]] TqsResult NodeAt(TqsList *list, void **out, uint32_t index, TqsListNode **node) {
     *out = nullptr;
     if (list == nullptr) return TQS_ERROR_INVALID_PARAM;
     if (index >= list->nCount) return TQS_ERROR_NOT_FOUND;
