@@ -9,8 +9,9 @@
 extern "C" {
 #endif
 
-// Marks the few symbols a host reaches in the shared library (the build hides
-// everything else).
+// Marks the leak-report and trace hooks a host reaches in the shared library.
+// The natives and ptCtx carry JNIEXPORT instead; the version script
+// (jni/tqomacp.map) hides everything else.
 #define TQS_EXPORT __attribute__((visibility("default")))
 
 // One UCS-2 code unit.
