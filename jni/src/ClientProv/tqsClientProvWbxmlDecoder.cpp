@@ -10,6 +10,7 @@
 #include <string.h>
 
 #include "smlbuffer.h"
+#include "tqsClientProvFields.h"
 #include "tqslist.h"
 #include "tqsmemory.h"
 #include "tqsstring.h"
@@ -1181,21 +1182,9 @@ enum ParmTraces : uint8_t {
 };
 
 // Entry of each parm byte: its position in the table + 1, 0 for an unknown byte.
-// Filled from the back, so the first entry of a byte wins as in a linear search.
 struct ParmIndex {
     uint8_t nSlot[256];
 };
-
-template <size_t N>
-constexpr ParmIndex MakeParmIndex(const ParmEntry (&entries)[N]) {
-    static_assert(N < 256, "a slot is one byte");
-    ParmIndex tIndex{};
-    for (size_t i = N; i-- > 0;) tIndex.nSlot[entries[i].nByte] = static_cast<uint8_t>(i + 1);
-    return tIndex;
-}
-
-template <const auto &kEntries>
-constexpr ParmIndex kParmIndexOf = MakeParmIndex(kEntries);
 
 struct ParmHandler {
     const char *pszName;         // traced on entry
@@ -1208,144 +1197,86 @@ struct ParmHandler {
     TqsResult (*pfnName)(tqsWbxmlDecoder *, void *, uint8_t);
 };
 
-#define TQS_P(byte, kind, type, field) \
-    { byte, ParmKind::kind, static_cast<uint16_t>(offsetof(type, field)), nullptr }
-// label: what follows "SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME" in the traced line.
-#define TQS_PL(byte, kind, type, field, label)                              \
-    {                                                                       \
-        byte, ParmKind::kind, static_cast<uint16_t>(offsetof(type, field)), \
-            "SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME" label                    \
+// ---- Parm tables: each handler's bytes, built from its record's fields ----
+
+namespace rec = tqs::detail;
+
+template <size_t N>
+struct ParmTable {
+    ParmEntry atEntries[N];
+    ParmIndex tIndex;
+};
+
+constexpr ParmKind ReaderOf(rec::Fill eFill) {
+    switch (eFill) {
+        case rec::Fill::StartPage:
+            return ParmKind::kStartPage;
+        case rec::Fill::List:
+            return ParmKind::kList;
+        case rec::Fill::LenientList:
+            return ParmKind::kLenientList;
+        default:
+            return ParmKind::kSingle;
     }
-#define TQS_NAME(label) \
-    { kTokNameAttr, ParmKind::kName, 0, label }
+}
 
-constexpr ParmEntry kPxLogicalParms[] = {
-    TQS_P(0x07, kSingle, tqsWapPxLogical, pszName),
-    TQS_P(0x15, kSingle, tqsWapPxLogical, pszProxyId),
-    TQS_P(0x16, kSingle, tqsWapPxLogical, pszProxyProviderId),
-    TQS_P(0x17, kList, tqsWapPxLogical, ptDomainList),
-    TQS_P(0x1C, kSingle, tqsWapPxLogical, pszStartPage),
-    TQS_P(0x2A, kSingle, tqsWapPxLogical, pszTrust),
-    TQS_P(0x2B, kSingle, tqsWapPxLogical, pszMaster),
-    TQS_P(0x3E, kSingle, tqsWapPxLogical, pszProxyPw),
-    TQS_P(0x3F, kSingle, tqsWapPxLogical, pszPpgAuthType),
-};
-constexpr ParmEntry kPxAuthInfoParms[] = {
-    TQS_P(0x19, kSingle, tqsWapPxAuthInfo, pszPxAuthType),
-    TQS_P(0x1A, kSingle, tqsWapPxAuthInfo, pszPxAuthId),
-    TQS_P(0x1B, kSingle, tqsWapPxAuthInfo, pszPxAuthPw),
-};
-constexpr ParmEntry kPortParms[] = {
-    TQS_P(0x23, kSingle, tqsWapPort, pszPortNbr),
-    TQS_P(0x24, kList, tqsWapPort, ptServiceList),
-};
-constexpr ParmEntry kPxPhysicalParms[] = {
-    TQS_P(0x17, kLenientList, tqsWapPxPhysical, ptDomainList),
-    TQS_P(0x1F, kSingle, tqsWapPxPhysical, pszPushEnabled),
-    TQS_P(0x20, kSingle, tqsWapPxPhysical, pszPxAddr),
-    TQS_P(0x21, kSingle, tqsWapPxPhysical, pszPxAddrType),
-    TQS_P(0x22, kList, tqsWapPxPhysical, ptToNapIdList),
-    TQS_P(0x2E, kSingle, tqsWapPxPhysical, pszWspVersion),
-    TQS_P(0x2F, kSingle, tqsWapPxPhysical, pszPhysicalProxyId),
-    TQS_P(0x3D, kSingle, tqsWapPxPhysical, pszPxAddrFqdn),
-    TQS_P(0x47, kSingle, tqsWapPxPhysical, pszPullEnabled),
-};
-constexpr ParmEntry kNapDefParms[] = {
-    TQS_NAME(nullptr),
-    TQS_P(0x07, kSingle, tqsWapNapDef, pszName),
-    TQS_P(0x08, kSingle, tqsWapNapDef, pszNapAddress),
-    TQS_P(0x09, kSingle, tqsWapNapDef, pszNapAddrType),
-    TQS_P(0x0A, kSingle, tqsWapNapDef, pszCallType),
-    TQS_P(0x0F, kSingle, tqsWapNapDef, pszLinger),
-    TQS_P(0x10, kList, tqsWapNapDef, ptBearerList),
-    TQS_P(0x11, kSingle, tqsWapNapDef, pszNapId),
-    TQS_P(0x14, kSingle, tqsWapNapDef, pszInternet),
-    TQS_P(0x25, kSingle, tqsWapNapDef, pszLinkSpeed),
-    TQS_P(0x26, kSingle, tqsWapNapDef, pszDnLinkSpeed),
-    TQS_P(0x27, kSingle, tqsWapNapDef, pszLocalAddr),
-    TQS_P(0x28, kSingle, tqsWapNapDef, pszLocalAddrType),
-    TQS_P(0x31, kSingle, tqsWapNapDef, pszDeliveryErrSdu),
-    TQS_P(0x32, kSingle, tqsWapNapDef, pszDeliveryOrder),
-    TQS_P(0x33, kSingle, tqsWapNapDef, pszTrafficClass),
-    TQS_P(0x34, kSingle, tqsWapNapDef, pszMaxSduSize),
-    TQS_P(0x35, kSingle, tqsWapNapDef, pszMaxBitrateUplink),
-    TQS_P(0x36, kSingle, tqsWapNapDef, pszMaxBitrateDnlink),
-    TQS_P(0x48, kList, tqsWapNapDef, ptDnsAddrList),
-    TQS_P(0x49, kSingle, tqsWapNapDef, pszMaxNumRetry),
-    TQS_P(0x4A, kSingle, tqsWapNapDef, pszFirstRetryTimeout),
-    TQS_P(0x4B, kSingle, tqsWapNapDef, pszReregThreshold),
-    TQS_P(0x4C, kSingle, tqsWapNapDef, pszTBit),
-};
-constexpr ParmEntry kNapAuthInfoParms[] = {
-    TQS_P(0x0C, kSingle, tqsWapNapAuthInfo, pszAuthType),
-    TQS_P(0x0D, kSingle, tqsWapNapAuthInfo, pszAuthName),
-    TQS_P(0x0E, kSingle, tqsWapNapAuthInfo, pszAuthSecret),
-    TQS_P(0x4E, kList, tqsWapNapAuthInfo, ptAuthEntityList),
-};
-constexpr ParmEntry kValidityParms[] = {
-    TQS_P(0x0B, kSingle, tqsWapValidity, pszValidUntil), TQS_P(0x12, kSingle, tqsWapValidity, pszCountry),
-    TQS_P(0x13, kSingle, tqsWapValidity, pszNetwork),    TQS_P(0x2C, kSingle, tqsWapValidity, pszSid),
-    TQS_P(0x2D, kSingle, tqsWapValidity, pszSoc),
-};
-constexpr ParmEntry kApplicationParms[] = {
-    TQS_NAME("SMLDM_CPPARSER_ATTR_PARM_CODE_1_NAME"),
-    TQS_PL(0x07, kSingle, tqsWapApplication, pszName, "_NAME"),
-    TQS_PL(0x14, kSingle, tqsWapApplication, pszInternet, "_INTERNET"),
-    TQS_PL(0x22, kList, tqsWapApplication, ptToNapIdList, "_TO_NAPID"),
-    TQS_PL(0x2E, kSingle, tqsWapApplication, pszAAccept, "_AACCEPT"),
-    TQS_PL(0x34, kList, tqsWapApplication, ptAddrList, "_ADDR"),
-    TQS_PL(0x36, kSingle, tqsWapApplication, pszAppId, "_APPID"),
-    TQS_PL(0x37, kSingle, tqsWapApplication, pszAProtocol, "_APROTOCOL"),
-    TQS_PL(0x38, kSingle, tqsWapApplication, pszProviderId, "_PROVIDER_ID"),
-    TQS_PL(0x39, kList, tqsWapApplication, ptToProxyList, "_TO_PROXY"),
-};
-constexpr ParmEntry kAppAddrParms[] = {
-    TQS_P(0x34, kSingle, tqsWapAppAddr, pszAddr),
-    TQS_P(0x35, kSingle, tqsWapAppAddr, pszAddrType),
-};
-constexpr ParmEntry kAppAuthParms[] = {
-    TQS_P(0x2F, kSingle, tqsWapAppAuth, pszAAuthData), TQS_P(0x30, kSingle, tqsWapAppAuth, pszAAuthLevel),
-    TQS_P(0x31, kSingle, tqsWapAppAuth, pszAAuthName), TQS_P(0x32, kSingle, tqsWapAppAuth, pszAAuthSecret),
-    TQS_P(0x33, kSingle, tqsWapAppAuth, pszAAuthType), TQS_P(kTokComma, kComma, tqsWapAppAuth, pszAAuthType),
-};
-constexpr ParmEntry kResourceParms[] = {
-    TQS_PL(0x07, kSingle, tqsWapResource, pszName, "_NAME"),
-    TQS_PL(0x1C, kStartPage, tqsWapResource, pszStartPage, "_STARTPAGE"),
-    TQS_PL(0x2E, kSingle, tqsWapResource, pszAAccept, "_AACCEPT"),
-    TQS_PL(0x2F, kSingle, tqsWapResource, pszAAuthData, "_AAUTHDATA"),
-    TQS_PL(0x31, kSingle, tqsWapResource, pszAAuthName, "_AAUTHNAME"),
-    TQS_PL(0x32, kSingle, tqsWapResource, pszAAuthSecret, "_AAUTHSECRET"),
-    TQS_PL(0x33, kSingle, tqsWapResource, pszAAuthType, "_AAUTHTYPE"),
-    TQS_PL(0x3A, kSingle, tqsWapResource, pszUri, "_URI"),
-};
-constexpr ParmEntry kBootstrapParms[] = {
-    TQS_P(0x07, kSingle, tqsWapBootstrap, pszName),
-    TQS_P(0x12, kSingle, tqsWapBootstrap, pszCountry),
-    TQS_P(0x13, kList, tqsWapBootstrap, ptNetworkList),
-    TQS_P(0x15, kList, tqsWapBootstrap, ptProxyIdList),
-    TQS_P(0x18, kSingle, tqsWapBootstrap, pszProvUrl),
-    TQS_P(0x29, kSingle, tqsWapBootstrap, pszContextAllow),
-};
-constexpr ParmEntry kVendorConfigParms[] = {
-    TQS_NAME(nullptr),
-    TQS_P(0x07, kSingle, tqsWapVendorConfig, pszName),
-};
-constexpr ParmEntry kClientIdentityParms[] = {
-    TQS_P(0x30, kSingle, tqsWapClientIdentity, pszClientId),
-};
-constexpr ParmEntry kAccessParms[] = {
-    TQS_P(0x17, kList, tqsWapAccess, ptDomainList),  TQS_P(0x22, kList, tqsWapAccess, ptToNapIdList),
-    TQS_P(0x23, kList, tqsWapAccess, ptPortNbrList), TQS_P(0x36, kList, tqsWapAccess, ptAppIdList),
-    TQS_P(0x39, kList, tqsWapAccess, ptToProxyList), TQS_P(0x3B, kList, tqsWapAccess, ptRuleList),
-};
-constexpr ParmEntry kNameOnlyParms[] = {
-    TQS_NAME(nullptr),
-};
-#undef TQS_P
-#undef TQS_PL
-#undef TQS_NAME
+// A record with a field filled by an inline-named parm takes the name attribute.
+constexpr bool ReadsInlineName(rec::Fill eFill) {
+    return eFill == rec::Fill::Named || eFill == rec::Fill::PairName;
+}
 
-#define TQS_ENTRIES(table) table, &kParmIndexOf<table>
+template <rec::Kind K>
+constexpr size_t ParmCount() {
+    size_t n = 0;
+    bool bName = false;
+    for (const rec::Field &f : rec::Record<K>::kFields) {
+        n += (f.token != 0) + (f.fill == rec::Fill::Joined);
+        bName = bName || ReadsInlineName(f.fill);
+    }
+    return n + bName;
+}
+
+// bLabelled: the handler traces each parm's label before it reads the parm.
+template <rec::Kind K, bool bLabelled = false>
+constexpr ParmTable<ParmCount<K>()> MakeParmTable() {
+    ParmTable<ParmCount<K>()> t{};
+    size_t n = 0;
+    auto add = [&](uint8_t nByte, ParmKind eKind, uint16_t nOffset, const char *pszLabel) {
+        t.atEntries[n] = ParmEntry{nByte, eKind, nOffset, bLabelled ? pszLabel : nullptr};
+        t.tIndex.nSlot[nByte] = static_cast<uint8_t>(++n);
+    };
+    bool bName = false;
+    for (const rec::Field &f : rec::Record<K>::kFields) {
+        if (f.token != 0) add(f.token, ReaderOf(f.fill), f.tree, f.label);
+        if (f.fill == rec::Fill::Joined) add(kTokComma, ParmKind::kComma, f.tree, nullptr);
+        bName = bName || ReadsInlineName(f.fill);
+    }
+    if (bName) add(kTokNameAttr, ParmKind::kName, 0, rec::kParmLabel<"">);
+    return t;
+}
+
+constexpr auto kPxLogicalParms = MakeParmTable<rec::Kind::PxLogical>();
+constexpr auto kPxAuthInfoParms = MakeParmTable<rec::Kind::PxAuthInfo>();
+constexpr auto kPortParms = MakeParmTable<rec::Kind::Port>();
+constexpr auto kPxPhysicalParms = MakeParmTable<rec::Kind::PxPhysical>();
+constexpr auto kNapDefParms = MakeParmTable<rec::Kind::NapDef>();
+constexpr auto kNapAuthInfoParms = MakeParmTable<rec::Kind::NapAuthInfo>();
+constexpr auto kValidityParms = MakeParmTable<rec::Kind::Validity>();
+constexpr auto kApplicationParms = MakeParmTable<rec::Kind::Application, true>();
+constexpr auto kAppAddrParms = MakeParmTable<rec::Kind::AppAddr>();
+constexpr auto kAppAuthParms = MakeParmTable<rec::Kind::AppAuth>();
+constexpr auto kResourceParms = MakeParmTable<rec::Kind::Resource, true>();
+constexpr auto kBootstrapParms = MakeParmTable<rec::Kind::Bootstrap>();
+constexpr auto kVendorConfigParms = MakeParmTable<rec::Kind::VendorConfig>();
+constexpr auto kClientIdentityParms = MakeParmTable<rec::Kind::ClientIdentity>();
+constexpr auto kAccessParms = MakeParmTable<rec::Kind::Access>();
+constexpr auto kRoamingParms = MakeParmTable<rec::Kind::Roaming>();
+constexpr auto kWifiParms = MakeParmTable<rec::Kind::Wifi>();
+static_assert(kAppAuthParms.tIndex.nSlot[kTokComma] != 0 && kNapDefParms.tIndex.nSlot[kTokNameAttr] != 0 &&
+                  kWifiParms.tIndex.nSlot[kTokNameAttr] == 1 && kPxLogicalParms.tIndex.nSlot[kTokNameAttr] == 0,
+              "0x90 joins in APPAUTH only; inline names where a field takes them");
+
+#define TQS_ENTRIES(table) table.atEntries, &table.tIndex
 #define TQS_UNKNOWN(name) name "[%x]"
 
 constexpr ParmHandler kPxLogicalHandler = {"tqsClientProvWbxmlDecoderParamPxlogical",
@@ -1470,7 +1401,7 @@ constexpr ParmHandler kRoamingHandler = {"tqsClientProvWbxmlDecoderParamRoming",
                                          false,
                                          false,
                                          kTraceNone,
-                                         TQS_ENTRIES(kNameOnlyParms),
+                                         TQS_ENTRIES(kRoamingParms),
                                          [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
                                              return tqsClientProvWbxmlDecoderParamRoamingNameString(
                                                  ptDecoder, static_cast<tqsWapRoaming *>(pRecord), nTag);
@@ -1480,7 +1411,7 @@ constexpr ParmHandler kWifiHandler = {"tqsClientProvWbxmlDecoderParamWifi",
                                       false,
                                       false,
                                       kTraceNone,
-                                      TQS_ENTRIES(kNameOnlyParms),
+                                      TQS_ENTRIES(kWifiParms),
                                       [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
                                           return tqsClientProvWbxmlDecoderParamWifiNameString(
                                               ptDecoder, static_cast<tqsWapWifi *>(pRecord), nTag);
@@ -1581,35 +1512,31 @@ struct NameTarget {
     uint16_t nOffset;
 };
 
-#define TQS_TARGET(name, type, field) \
-    { name, static_cast<uint16_t>(offsetof(type, field)) }
-constexpr NameTarget kAppTargets[] = {
-    TQS_TARGET("XCAP_AUID_DCS", tqsWapApplication, pszXcapAuidDcs),
-    TQS_TARGET("XCAP_AUID_PMS", tqsWapApplication, pszXcapAuidPms),
-    TQS_TARGET("XCAP_AUID_CDMS", tqsWapApplication, pszXcapAuidCdms),
-    TQS_TARGET("XCAP_IMEI_HEADER", tqsWapApplication, pszXcapImeiHeader),
-    TQS_TARGET("XCAP_TID_HEADER", tqsWapApplication, pszXcapTidHeader),
-    TQS_TARGET("FROM", tqsWapApplication, pszFrom),
+template <rec::Kind K>
+constexpr size_t NamedCount() {
+    size_t n = 0;
+    for (const rec::Field &f : rec::Record<K>::kFields) n += f.fill == rec::Fill::Named;
+    return n;
+}
+
+// The fields an inline-named parm is read into, by name, in field order.
+template <rec::Kind K>
+struct NameTargets {
+    NameTarget at[NamedCount<K>()];
 };
-constexpr NameTarget kRoamingTargets[] = {
-    TQS_TARGET("SYNC-ALLOWED", tqsWapRoaming, pszSyncAllowed),
-    TQS_TARGET("SYNC-DEFAULT", tqsWapRoaming, pszSyncDefault),
-};
-constexpr NameTarget kWifiTargets[] = {
-    TQS_TARGET("NETSSID", tqsWapWifi, pszNetSsid),
-    TQS_TARGET("SECMODE", tqsWapWifi, pszSecMode),
-    TQS_TARGET("EAPMETHOD", tqsWapWifi, pszEapMethod),
-    TQS_TARGET("EAPTYPE", tqsWapWifi, pszEapType),
-    TQS_TARGET("USERNAME", tqsWapWifi, pszUserName),
-    TQS_TARGET("ANONUSERNAME", tqsWapWifi, pszAnonUserName),
-    TQS_TARGET("PASSWORD", tqsWapWifi, pszPassword),
-    TQS_TARGET("CACERT", tqsWapWifi, pszCaCert),
-    TQS_TARGET("USERCERT", tqsWapWifi, pszUserCert),
-    TQS_TARGET("PHASE1", tqsWapWifi, pszPhase1),
-    TQS_TARGET("AUTHALGORITHM", tqsWapWifi, pszAuthAlgorithm),
-    TQS_TARGET("PRIORITY", tqsWapWifi, pszPriority),
-};
-#undef TQS_TARGET
+
+template <rec::Kind K>
+constexpr NameTargets<K> MakeNameTargets() {
+    NameTargets<K> t{};
+    size_t n = 0;
+    for (const rec::Field &f : rec::Record<K>::kFields)
+        if (f.fill == rec::Fill::Named) t.at[n++] = NameTarget{f.name, f.tree};
+    return t;
+}
+
+constexpr auto kAppTargets = MakeNameTargets<rec::Kind::Application>();
+constexpr auto kRoamingTargets = MakeNameTargets<rec::Kind::Roaming>();
+constexpr auto kWifiTargets = MakeNameTargets<rec::Kind::Wifi>();
 
 template <size_t N>
 char **FindTarget(void *pRecord, const NameTarget (&atTargets)[N], const char *pszName) {
@@ -1664,9 +1591,9 @@ TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag
         char **ppszField = nullptr;
         // Without a record (its allocation failed) nothing is stored, as for an unlisted name.
         if (pRecord != nullptr) {
-            if (eVariant == NameVariant::kApp) ppszField = FindTarget(pRecord, kAppTargets, pszName);
-            if (eVariant == NameVariant::kRoaming) ppszField = FindTarget(pRecord, kRoamingTargets, pszName);
-            if (eVariant == NameVariant::kWifi) ppszField = FindTarget(pRecord, kWifiTargets, pszName);
+            if (eVariant == NameVariant::kApp) ppszField = FindTarget(pRecord, kAppTargets.at, pszName);
+            if (eVariant == NameVariant::kRoaming) ppszField = FindTarget(pRecord, kRoamingTargets.at, pszName);
+            if (eVariant == NameVariant::kWifi) ppszField = FindTarget(pRecord, kWifiTargets.at, pszName);
         }
         if (ppszField != nullptr) {
             nRet = tqsClientProvWbxmlDecoderParamValue(ptDecoder, ppszField);
