@@ -108,7 +108,8 @@ public class NativesTest {
       byte[] pdu = Files.readAllBytes(path);
       if (tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY)) {
         int bodyStart = 3 + tqomacp_GetParserHeaderLen();
-        assertArrayEquals(sample, Arrays.copyOfRange(pdu, bodyStart, pdu.length), tqomacp_GetParserBody());
+        assertArrayEquals(sample, Arrays.copyOfRange(pdu, bodyStart, pdu.length),
+            tqomacp_GetParserBody());
         assertEquals(sample, tqomacp_GetParserMACLen(), tqomacp_GetParserMAC().length);
       }
       tqomacp_parser_del();

@@ -3,7 +3,6 @@ package com.tqomacp.eng.parser;
 import static org.junit.Assert.*;
 
 import java.io.File;
-import java.io.IOException;
 import java.io.InputStream;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
@@ -11,16 +10,18 @@ import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.nio.file.Paths;
+import java.nio.file.StandardCopyOption;
 import java.util.ArrayList;
 import java.util.Arrays;
+import java.util.Collections;
 import java.util.Comparator;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
-import java.util.TreeMap;
-import java.util.TreeSet;
 import java.util.concurrent.TimeUnit;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
+import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import org.junit.Test;
 
@@ -29,78 +30,64 @@ import org.junit.Test;
  * (-Xlog:jni+resolve=debug) and run RegistrationProbe.
  */
 public class RegistrationTest {
-  private static final String PACKAGE = "com.tqomacp.eng.parser.";
   private static final List<String> ORDER = Arrays.asList("XCPCtxParser", "XCPCtxPxLogical",
       "XCPCtxNapDef", "XCPCtxBootstrap", "XCPCtxClientIdentity", "XCPCtxVendorConfig",
       "XCPCtxApplication", "XCPCtxAccess", "XCPCtxWifi");
   private static final Pattern REGISTERING =
       Pattern.compile("\\[Registering JNI native method com\\.tqomacp\\.eng\\.parser\\.(\\w+)\\.(\\w+)\\]");
+  private static final String TEST_CLASSES = System.getProperty("tqomacp.testClasses");
 
-  /** What a child JVM printed: the probe's LOAD line and the natives registered per class. */
-  private static final class Run {
-    String load = "";
-    String loaded = "";
-    final Map<String, List<String>> registered = new TreeMap<>();
-    final List<String> classOrder = new ArrayList<>();
-  }
-
-  private static Run runProbe(String classPath) throws IOException, InterruptedException {
+  /**
+   * Runs the probe on the class path; checks how the load ended and what the loader then reports,
+   * and returns the natives registered per class, classes in registration order.
+   */
+  private static Map<String, List<String>> probe(String classPath, String load, boolean loaded)
+      throws Exception {
     String java = Paths.get(System.getProperty("java.home"), "bin", "java").toString();
-    ProcessBuilder builder = new ProcessBuilder(java, "-Xlog:jni+resolve=debug",
-        "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp", classPath,
-        RegistrationProbe.class.getName());
-    builder.redirectErrorStream(true);
-    Process process = builder.start();
+    Process process = new ProcessBuilder(java, "-Xlog:jni+resolve=debug",
+        "-Djava.library.path=" + System.getProperty("java.library.path"),
+        "-cp", classPath + File.pathSeparator + TEST_CLASSES, RegistrationProbe.class.getName())
+        .redirectErrorStream(true).start();
     String output;
     try (InputStream in = process.getInputStream()) {
       output = new String(in.readAllBytes(), StandardCharsets.UTF_8);
     }
     assertTrue("child JVM finished", process.waitFor(60, TimeUnit.SECONDS));
-    Run run = new Run();
-    for (String line : output.split("\n")) {
-      run.load = line.startsWith("LOAD ") ? line : run.load;
-      run.loaded = line.startsWith("LOADED ") ? line : run.loaded;
+    assertEquals(output, 0, process.exitValue());
+    List<String> lines = Arrays.asList(output.split("\n"));
+    assertTrue(output, lines.contains(load));
+    assertTrue(output, lines.contains("LOADED " + loaded));
+    Map<String, List<String>> registered = new LinkedHashMap<>();
+    for (String line : lines) {
       Matcher m = REGISTERING.matcher(line);
       if (m.find()) {
-        if (!run.registered.containsKey(m.group(1))) {
-          run.classOrder.add(m.group(1));
-        }
-        run.registered.computeIfAbsent(m.group(1), k -> new ArrayList<>()).add(m.group(2));
+        registered.computeIfAbsent(m.group(1), k -> new ArrayList<>()).add(m.group(2));
       }
     }
-    assertEquals("probe exit status", 0, process.exitValue());
-    return run;
+    return registered;
   }
 
-  /** The native methods a class declares, by name. */
-  private static List<String> declaredNatives(String simpleName) throws ClassNotFoundException {
-    List<String> names = new ArrayList<>();
-    for (Method m : Class.forName(PACKAGE + simpleName).getDeclaredMethods()) {
-      if (Modifier.isNative(m.getModifiers())) {
-        names.add(m.getName());
-      }
+  /** The classes registered in this order, each exactly its declared natives, once each. */
+  private static void assertRegistered(List<String> classes, Map<String, List<String>> registered)
+      throws Exception {
+    assertEquals(classes, new ArrayList<>(registered.keySet()));
+    for (String c : classes) {
+      Method[] methods = Class.forName("com.tqomacp.eng.parser." + c).getDeclaredMethods();
+      List<String> declared = Arrays.stream(methods)
+          .filter(m -> Modifier.isNative(m.getModifiers()))
+          .map(Method::getName).sorted().collect(Collectors.toList());
+      List<String> got = registered.get(c);
+      Collections.sort(got);
+      assertEquals(c, declared, got);
     }
-    return names;
-  }
-
-  private static Path testClasses() {
-    return Paths.get(System.getProperty("tqomacp.testClasses"));
   }
 
   @Test
   public void loadRegistersAll85NativesInClassOrder() throws Exception {
-    Run run = runProbe(System.getProperty("tqomacp.classes") + File.pathSeparator + testClasses());
-    assertEquals("LOAD OK", run.load);
-    assertEquals("LOADED true", run.loaded);
-    assertEquals(ORDER, run.classOrder);
-    int total = 0;
-    for (String c : ORDER) {
-      List<String> registered = run.registered.get(c);
-      assertEquals(c, new TreeSet<>(declaredNatives(c)), new TreeSet<>(registered));
-      assertEquals(c + " registered once each", declaredNatives(c).size(), registered.size());
-      total += registered.size();
-    }
-    assertEquals(85, total);
+    Map<String, List<String>> registered =
+        probe(System.getProperty("tqomacp.classes"), "LOAD OK", true);
+    assertRegistered(ORDER, registered);
+    assertEquals(85, registered.values().stream().mapToInt(List::size).sum());
   }
 
   @Test
@@ -111,29 +98,16 @@ public class RegistrationTest {
     try {
       try (Stream<Path> files = Files.walk(classes)) {
         for (Path p : (Iterable<Path>) files::iterator) {
-          Path target = partial.resolve(classes.relativize(p).toString());
-          if (Files.isDirectory(p)) {
-            Files.createDirectories(target);
-          } else if (!p.getFileName().toString().equals("XCPCtxAccess.class")) {
-            Files.copy(p, target);
+          if (!p.getFileName().toString().equals("XCPCtxAccess.class")) {
+            Files.copy(p, partial.resolve(classes.relativize(p).toString()),
+                StandardCopyOption.REPLACE_EXISTING);
           }
         }
       }
-      assertFalse(Files.exists(partial.resolve("com/tqomacp/eng/parser/XCPCtxAccess.class")));
-      assertTrue(Files.exists(partial.resolve("com/tqomacp/eng/parser/XCPCtxWifi.class")));
-
-      Run run = runProbe(partial + File.pathSeparator + testClasses());
-      // FindClass's NoClassDefFoundError stays pending and fails the load.
-      assertEquals(
-          "LOAD FAILED java.lang.NoClassDefFoundError: com/tqomacp/eng/parser/XCPCtxAccess", run.load);
-      // The classes initialised during the failed load do not make it count as loaded.
-      assertEquals("LOADED false", run.loaded);
-      assertEquals(ORDER.subList(0, 7), run.classOrder);
-      for (String c : ORDER.subList(0, 7)) {
-        assertEquals(c, new TreeSet<>(declaredNatives(c)), new TreeSet<>(run.registered.get(c)));
-      }
-      assertFalse(run.registered.containsKey("XCPCtxWifi"));
-      assertFalse(run.registered.containsKey("XCPCtxAccess"));
+      // FindClass's NoClassDefFoundError stays pending and fails the load; the classes
+      // initialised during the failed load do not make it count as loaded.
+      String load = "LOAD FAILED java.lang.NoClassDefFoundError: com/tqomacp/eng/parser/XCPCtxAccess";
+      assertRegistered(ORDER.subList(0, 7), probe(partial.toString(), load, false));
     } finally {
       try (Stream<Path> files = Files.walk(partial)) {
         files.sorted(Comparator.reverseOrder()).forEach(p -> p.toFile().delete());
