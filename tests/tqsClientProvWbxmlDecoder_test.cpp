@@ -57,7 +57,7 @@ class Decoder : public ::testing::Test {
     // Releases the tree (1 when there is one) and the decoder.
     void Release() {
         EXPECT_EQ(tqsClientProvWbxmlDeleteWapDoc(doc_), doc_ != nullptr ? 1u : 0u);
-        if (dec_ != nullptr) EXPECT_EQ(tqsClientProvWbxmlDeleteDecoder(dec_), 0u);
+        if (dec_ != nullptr) { EXPECT_EQ(tqsClientProvWbxmlDeleteDecoder(dec_), 0u); }
         doc_ = nullptr;
         dec_ = nullptr;
     }
@@ -259,7 +259,7 @@ TEST_F(Decoder, CodePageSwitch) {
         EXPECT_STATUS(tqsClientProvWbxmlDecoderCheckCodePage(dec_), c.status);
         EXPECT_EQ(dec_->nCodePage, c.page);
         EXPECT_EQ(trace.lines().front(), "tqsClientProvWbxmlDecoderCheckCodePage\n");
-        if (c.line != nullptr) EXPECT_EQ(trace.lines().back(), c.line);
+        if (c.line != nullptr) { EXPECT_EQ(trace.lines().back(), c.line); }
     }
 }
 
@@ -345,7 +345,7 @@ TEST_F(Decoder, Content) {
         char *text = nullptr;
         EXPECT_STATUS(tqsClientProvWbxmlDecoderContent(dec_, &text), c.status);
         EXPECT_EQ(Text(text), c.text);
-        if (c.consumed != kAny) EXPECT_EQ(Consumed(), c.consumed);
+        if (c.consumed != kAny) { EXPECT_EQ(Consumed(), c.consumed); }
         tqsMemFree_debug(text);
     }
     // The inline string reader alone: an unterminated text ends at the padding.
@@ -428,10 +428,11 @@ TEST_F(Decoder, SkippingContentAttributesAndElements) {
         EXPECT_STATUS(c.element ? tqsClientProvWbxmlDecoderSkipElement(dec_, 0)
                                 : tqsClientProvWbxmlDecoderSkipAttribute(dec_),
                       c.status);
-        if (c.consumed != kAny) EXPECT_EQ(Consumed(), c.consumed);
-        if (c.element)
+        if (c.consumed != kAny) { EXPECT_EQ(Consumed(), c.consumed); }
+        if (c.element) {
             EXPECT_EQ(trace.lines().back(),
                       "tqsClientProvWbxmlDecoderSkipElement Error Code:" + std::to_string(c.status) + "\n");
+        }
     }
 
     const struct {
@@ -447,7 +448,7 @@ TEST_F(Decoder, SkippingContentAttributesAndElements) {
         Open(c.bytes);
         text = nullptr;
         EXPECT_STATUS(tqsClientProvWbxmlDecoderElement(dec_, 0x07, &text), c.status);
-        if (c.text != nullptr) EXPECT_EQ(Text(text), c.text);
+        if (c.text != nullptr) { EXPECT_EQ(Text(text), c.text); }
         tqsMemFree_debug(text);
     }
 }
@@ -487,8 +488,8 @@ TEST(ValueTokens, LookupTablesWithTheirScanBoundsAndShadowing) {
         char hex[8];
         std::snprintf(hex, sizeof hex, "%02X=", token);
         if (ret == 0) found += hex + Text(value) + " ";
-        if (ret != 0) EXPECT_EQ(ret, 0x1005u) << token;
-        if (ret != 0) EXPECT_EQ(value, nullptr) << token;
+        if (ret != 0) { EXPECT_EQ(ret, 0x1005u) << token; }
+        if (ret != 0) { EXPECT_EQ(value, nullptr) << token; }
         tqsMemFree_debug(value);
     }
     // 0x91 is "HTTP": table C position 0 wins over table D position 1 and table
@@ -517,7 +518,7 @@ TEST(ValueTokens, JoiningRules) {
         char *value = NewText("ab");
         EXPECT_EQ(tqsClientProvWbxmlDecoderGetParamTokenVal(c.token, &value), 0u);
         EXPECT_EQ(Text(value), c.visible);
-        if (c.hidden != nullptr) EXPECT_STREQ(value + 3, c.hidden);
+        if (c.hidden != nullptr) { EXPECT_STREQ(value + 3, c.hidden); }
         tqsMemFree_debug(value);
     }
     EXPECT_TRUE(mem.Live().empty());

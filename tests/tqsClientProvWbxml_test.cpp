@@ -81,7 +81,7 @@ char *NewText(const char *text) {
 TqsList *NewList(void *first, void *second) {
     TqsList *list = nullptr;
     EXPECT_EQ(tqsListCreate(&list, first), 0u);
-    if (second != nullptr) EXPECT_EQ(tqsListAddNodeLast(list, second), 0u);
+    if (second != nullptr) { EXPECT_EQ(tqsListAddNodeLast(list, second), 0u); }
     return list;
 }
 

@@ -261,7 +261,7 @@ TEST(PushHeader, CorpusPdus) {
             Parsed p = Parse(pdu);
             ASSERT_NE(p.header, nullptr);
             EXPECT_EQ(p.header->nContentType, 0x36u);
-            if (group.sec != 0) EXPECT_EQ(p.header->nSEC, group.sec);
+            if (group.sec != 0) { EXPECT_EQ(p.header->nSEC, group.sec); }
             EXPECT_TRUE(p.header->nSEC == 0x80 || p.header->nSEC == 0x81);
             EXPECT_EQ(p.header->nMACLen, group.macLen);
             EXPECT_EQ(Body(p), Bytes(pdu.begin() + headerEnd, pdu.end()));

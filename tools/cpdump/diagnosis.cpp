@@ -145,7 +145,7 @@ class TraceReader {
         Diagnosis d;
         d.status = status;
         std::string path;
-        for (const Level &level : levels_) path += (path.empty() ? "" : "/") + level.Name();
+        for (const Level &level : levels_) path.append(path.empty() ? "" : "/").append(level.Name());
         if (!parm_.empty()) path += (path.empty() ? "" : "/") + parm_;
         d.path = path.empty() ? "the document" : path;
         const bool refused = refusal_ != nullptr && refusal_index_ >= event_index_;

@@ -182,8 +182,8 @@ INSTANTIATE_TEST_SUITE_P(
         Golden{"sample.summary.txt", {"--summary", "--pin=1234"}},
         Golden{"sfos-sonera.summary.txt", {"--summary", "--body", "sfos-sonera.wbxml"}},
         Golden{"ws-bank-userpin.summary.txt", {"--summary", "--pin=1234", "ws-bank-userpin.pdu"}}),
-    [](const ::testing::TestParamInfo<Golden> &info) {
-        std::string name = info.param.name;
+    [](const ::testing::TestParamInfo<Golden> &golden) {
+        std::string name = golden.param.name;
         for (char &c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
         return name;
     });
@@ -464,7 +464,7 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
         const Result r = RunCpdump(c.args, Bytes(c.in.begin(), c.in.end()));
         EXPECT_EQ(r.exit, c.exit);
         EXPECT_EQ(r.err.substr(0, c.err.size()), c.err);
-        if (c.exit == 0) EXPECT_EQ(r.out, expected.out);
+        if (c.exit == 0) { EXPECT_EQ(r.out, expected.out); }
     }
 }
 

@@ -87,7 +87,7 @@ const std::map<std::string, std::map<std::string, Repeat>> &Catalogue() {
                                  {Node{Kind::kCharacteristic, type, {}, std::move(parms)}}};
                         return LibraryXml(EncodeBody(doc, {}, nullptr));
                     };
-                    const Node ab{Kind::kParm, name, "ab"}, cd{Kind::kParm, name, "cd"};
+                    const Node ab{Kind::kParm, name, "ab", {}}, cd{Kind::kParm, name, "cd", {}};
                     if (decoded({ab}).find(line + "ab\"/>") == std::string::npos) continue;
                     const std::string twice = decoded({ab, cd});
                     auto has = [&](const char *v) {
@@ -133,7 +133,7 @@ struct Generator {
     }
 
     Node Document() {
-        Node doc{Kind::kDocument};
+        Node doc;
         if (const int v = Pick(3)) doc.value = v == 1 ? "1.0" : "1.1";
         Fill(&doc, 0);
         return doc;
@@ -144,7 +144,7 @@ struct Generator {
         const auto allowed = kChildren.find(node->name);
         for (int n = allowed == kChildren.end() ? 0 : Pick(depth == 0 ? 5 : 3) + (depth == 0); n > 0; --n) {
             Node &c = node->children.emplace_back(
-                Node{Kind::kCharacteristic, allowed->second[Pick(allowed->second.size())]});
+                Node{Kind::kCharacteristic, allowed->second[Pick(allowed->second.size())], {}, {}});
             Fill(&c, depth + 1);
         }
     }
@@ -165,7 +165,8 @@ struct Generator {
                 node->children.push_back({Kind::kParm, name,
                                           token     ? token_texts[Pick(token_texts.size())]
                                           : Pick(8) ? Text()
-                                                    : ""});
+                                                    : "",
+                                          {}});
             }
         }
     }
