@@ -2,10 +2,9 @@
 // rules and release.
 //
 // Every converter, distributor and release routine of a record kind is one
-// generic routine reading a constant description of that kind: which string
-// fields are copied (or released, in which order), which string lists and
-// which child chains, and which child characteristics go to which chain. The
-// named routines are one-line entry points carrying only their own quirks.
+// generic routine reading that kind's tables, built from its field list
+// (tqsClientProvFields.h). The named routines are one-line entry points
+// carrying only their own quirks.
 //
 // Chains can be as long as the document repeats a characteristic or parm, so
 // appending keeps a tail pointer and release walks a chain in a loop: nothing
@@ -19,6 +18,7 @@
 #include <iterator>
 #include <type_traits>
 
+#include "tqsClientProvFields.h"
 #include "tqsClientProvWbxml.h"
 #include "tqslist.h"
 #include "tqsmemory.h"
@@ -287,325 +287,178 @@ void ReleaseChain(const char *name, void *rec, const ReleaseDesc &d) {
 }
 
 // ---- per-kind descriptions --------------------------------------------------
-// In each namespace W is the tree record and C the context record. The field
-// lists are X-macros expanded into copy rows (SAME) and release rows (OFF).
+// Built from the field lists of tqsClientProvFields.h; the named routines of
+// each kind and of each string-list kind come from the two tables below.
 
-// clang-format off
-#define SAME(f) FieldPair{offsetof(W, f), offsetof(C, f)}
-#define SAME_(f) SAME(f),
-#define OFF(f) Offset(offsetof(C, f))
-#define OFF_(f) OFF(f),
-#define LIST(w, c, Fn) ListRow{offsetof(W, w), offsetof(C, c), Fn}
-#define SLOT(f, head, T, Fn) ChildSlot{offsetof(tqsWapCharacter, f), offsetof(C, head), offsetof(T, ptNext), ConvertThunk<Fn>}
-#define SUB(f, Fn) SubRelease{offsetof(C, f), ReleaseThunk<Fn>}
-#define STR_SUB(f, Fn) SubRelease{offsetof(C, f), ReleaseStrThunk<Fn>}
-// clang-format on
+namespace rec = tqs::detail;
 
 template <void (*Fn)(tqsCtxStrNode *)>
 void ReleaseStrThunk(void *node) {
     Fn(static_cast<tqsCtxStrNode *>(node));
 }
 
-namespace pxauthinfo {
-using W = tqsWapPxAuthInfo;
-using C = tqsCtxPxAuthInfo;
-#define FIELDS(X) X(pszPxAuthType) X(pszPxAuthId) X(pszPxAuthPw)
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace pxauthinfo
+struct KindRoutines {
+    ConvertFn convert;
+    ReleaseFn release;        // null for ROAMING, which has no release routine
+    DistributeFn distribute;  // null for kinds without children
+};
 
-namespace port {
-using W = tqsWapPort;
-using C = tqsCtxPort;
-constexpr FieldPair kCopy[] = {SAME(pszPortNbr)};
-constexpr ListRow kLists[] = {LIST(ptServiceList, ptService, tqsClientProvCtxVerifyContextServiceList)};
-constexpr Offset kFree[] = {OFF(pszPortNbr)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptService, tqsClientProvCtxDelectContextServiceList)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace port
+// By rec::Kind.
+constexpr KindRoutines kKindRoutines[] = {
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxLogical>, ReleaseThunk<tqsClientProvCtxDelectContextPxLogical>,
+     DistributeThunk<tqsClientProvCtxVerifyCharacterPxLogical>},
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxAuthInfo>, ReleaseThunk<tqsClientProvCtxDelectContextPxAuthInfo>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextPort>, ReleaseThunk<tqsClientProvCtxDelectContextPort>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxPhysical>, ReleaseThunk<tqsClientProvCtxDelectContextPxPhysical>,
+     DistributeThunk<tqsClientProvCtxVerifyCharacterPxPhysical>},
+    {ConvertThunk<tqsClientProvCtxVerifyContextNapdef>, ReleaseThunk<tqsClientProvCtxDelectContextNapDef>,
+     DistributeThunk<tqsClientProvCtxVerifyCharacterNapDef>},
+    {ConvertThunk<tqsClientProvCtxVerifyContextNapAuthInfo>,
+     ReleaseThunk<tqsClientProvCtxDelectContextNapAuthInfo>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextValidity>, ReleaseThunk<tqsClientProvCtxDelectContextValidity>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextAppAddr>, ReleaseThunk<tqsClientProvCtxDelectContextAppAddr>,
+     DistributeThunk<tqsClientProvCtxVerifyCharacterAppAddr>},
+    {ConvertThunk<tqsClientProvCtxVerifyContextResource>, ReleaseThunk<tqsClientProvCtxDelectContextResource>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextAppAuth>, ReleaseThunk<tqsClientProvCtxDelectContextAppAuth>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextApplication>,
+     ReleaseThunk<tqsClientProvCtxDelectContextApplication>,
+     DistributeThunk<tqsClientProvCtxVerifyCharacterApplication>},
+    {ConvertThunk<tqsClientProvCtxVerifyContextBootstrap>, ReleaseThunk<tqsClientProvCtxDelectContextBootstrap>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextVenderConfig>,
+     ReleaseThunk<tqsClientProvCtxDelectContextVenderConfig>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextClientIdent>,
+     ReleaseThunk<tqsClientProvCtxDelectContextClientIdent>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextAccess>, ReleaseThunk<tqsClientProvCtxDelectContextAccess>,
+     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextRoaming>, nullptr, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextWifi>, ReleaseThunk<tqsClientProvCtxDelectContextWifi>, nullptr},
+};
+static_assert(std::size(kKindRoutines) == rec::kSlotCount);
 
-namespace pxphysical {
-using W = tqsWapPxPhysical;
-using C = tqsCtxPxPhysical;
-// clang-format off
-#define FIELDS(X) X(pszPhysicalProxyId) X(pszPxAddr) X(pszPxAddrType) X(pszPxAddrFqdn) X(pszWspVersion) \
-    X(pszPushEnabled) X(pszPullEnabled)
-// clang-format on
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ListRow kLists[] = {LIST(ptDomainList, ptDomain, tqsClientProvCtxVerifyContextDomainList),
-                              LIST(ptToNapIdList, ptToNapId, tqsClientProvCtxVerifyContextToNapIdList)};
-constexpr ChildSlot kChildren[] = {SLOT(ptPort, ptPort, tqsCtxPort, tqsClientProvCtxVerifyContextPort)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptToNapId, tqsClientProvCtxDelectContextToNapIdList),
-                                STR_SUB(ptDomain, tqsClientProvCtxDelectContextDomainList),
-                                SUB(ptPort, tqsClientProvCtxDelectContextPort)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), offsetof(W, ptCharacterList),
-                               DistributeThunk<tqsClientProvCtxVerifyCharacterPxPhysical>};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace pxphysical
+struct ListRoutines {
+    tqsCtxStrNode *(*convert)(TqsList *list);
+    ReleaseFn release;
+};
 
-namespace pxlogical {
-using W = tqsWapPxLogical;
-using C = tqsCtxPxLogical;
-// clang-format off
-#define PARMS(X) X(pszProxyId) X(pszProxyPw) X(pszPpgAuthType) X(pszProxyProviderId) X(pszName) X(pszTrust) \
-    X(pszMaster) X(pszStartPage)
-// clang-format on
-// The fourth reserved field is not copied (it is released all the same).
-constexpr FieldPair kCopy[] = {PARMS(SAME_) SAME(pszReserved1), SAME(pszReserved2), SAME(pszReserved3),
-                               SAME(pszReserved5)};
-constexpr Offset kFree[] = {PARMS(OFF_) OFF(pszReserved1), OFF(pszReserved2), OFF(pszReserved3),
-                            OFF(pszReserved4), OFF(pszReserved5)};
-#undef PARMS
-constexpr ListRow kLists[] = {LIST(ptDomainList, ptDomain, tqsClientProvCtxVerifyContextDomainList)};
-constexpr ChildSlot kChildren[] = {
-    SLOT(ptPxAuthInfo, ptPxAuthInfo, tqsCtxPxAuthInfo, tqsClientProvCtxVerifyContextPxAuthInfo),
-    SLOT(ptPxPhysical, ptPxPhysical, tqsCtxPxPhysical, tqsClientProvCtxVerifyContextPxPhysical),
-    SLOT(ptPort, ptPort, tqsCtxPort, tqsClientProvCtxVerifyContextPort)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptDomain, tqsClientProvCtxDelectContextDomainList),
-                                SUB(ptPort, tqsClientProvCtxDelectContextPort),
-                                SUB(ptPxAuthInfo, tqsClientProvCtxDelectContextPxAuthInfo),
-                                SUB(ptPxPhysical, tqsClientProvCtxDelectContextPxPhysical)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), offsetof(W, ptCharacterList),
-                               DistributeThunk<tqsClientProvCtxVerifyCharacterPxLogical>};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace pxlogical
+// By rec::StrList.
+constexpr ListRoutines kListRoutines[] = {
+    {nullptr, nullptr},
+    {tqsClientProvCtxVerifyContextRuleList, ReleaseStrThunk<tqsClientProvCtxDelectContextRuleList>},
+    {tqsClientProvCtxVerifyContextAppIdList, ReleaseStrThunk<tqsClientProvCtxDelectContextAppIdList>},
+    {tqsClientProvCtxVerifyContextPortNbrList, ReleaseStrThunk<tqsClientProvCtxDelectContextPortNbrList>},
+    {tqsClientProvCtxVerifyContextDomainList, ReleaseStrThunk<tqsClientProvCtxDelectContextDomainList>},
+    {tqsClientProvCtxVerifyContextToNapIdList, ReleaseStrThunk<tqsClientProvCtxDelectContextToNapIdList>},
+    {tqsClientProvCtxVerifyContextToProxyList, ReleaseStrThunk<tqsClientProvCtxDelectContextToProxyList>},
+    {tqsClientProvCtxVerifyContextToAddrList, ReleaseStrThunk<tqsClientProvCtxDelectContextToAddrList>},
+    {tqsClientProvCtxVerifyContextServiceList, ReleaseStrThunk<tqsClientProvCtxDelectContextServiceList>},
+    {tqsClientProvCtxVerifyContextNetworkList, ReleaseStrThunk<tqsClientProvCtxDelectContextNetworkList>},
+    {tqsClientProvCtxVerifyContextProxyIdList, ReleaseStrThunk<tqsClientProvCtxDelectContextProxyIdList>},
+    {tqsClientProvCtxVerifyContextDnsAddrList, ReleaseStrThunk<tqsClientProvCtxDelectContextDnsAddrList>},
+    {tqsClientProvCtxVerifyContextBearerList, ReleaseStrThunk<tqsClientProvCtxDelectContextBearerList>},
+    {tqsClientProvCtxVerifyContextAuthEntityList, ReleaseStrThunk<tqsClientProvCtxDelectContextAuthEntityList>},
+};
+static_assert(std::size(kListRoutines) == size_t(rec::StrList::AuthEntity) + 1);
 
-namespace napauthinfo {
-using W = tqsWapNapAuthInfo;
-using C = tqsCtxNapAuthInfo;
-#define FIELDS(X) X(pszAuthType) X(pszAuthName) X(pszAuthSecret) X(pszReserved1)
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ListRow kLists[] = {
-    LIST(ptAuthEntityList, ptAuthEntity, tqsClientProvCtxVerifyContextAuthEntityList)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptAuthEntity, tqsClientProvCtxDelectContextAuthEntityList)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace napauthinfo
+// Rows of a table whose length is known only once it is built.
+template <class T, size_t N>
+struct Table {
+    T row[N > 0 ? N : 1]{};
+    uint8_t count = 0;
 
-namespace validity {
-using W = tqsWapValidity;
-using C = tqsCtxValidity;
-#define FIELDS(X) X(pszCountry) X(pszNetwork) X(pszSid) X(pszSoc) X(pszValidUntil)
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace validity
+    constexpr void Add(const T &t) { row[count++] = t; }
+    constexpr Rows<T> AsRows() const { return {row, count}; }
+};
 
-namespace napdef {
-using W = tqsWapNapDef;
-using C = tqsCtxNapDef;
-// clang-format off
-#define FIELDS(X) X(pszNapId) X(pszName) X(pszInternet) X(pszNapAddress) X(pszNapAddrType) X(pszCallType) \
-    X(pszLocalAddr) X(pszLocalAddrType) X(pszLinkSpeed) X(pszDnLinkSpeed) X(pszLinger) X(pszDeliveryErrSdu)  \
-    X(pszDeliveryOrder) X(pszTrafficClass) X(pszMaxSduSize) X(pszMaxBitrateUplink) X(pszMaxBitrateDnlink)    \
-    X(pszReserved1) X(pszReserved2) X(pszReserved3) X(pszReserved4) X(pszReserved5) X(pszReserved6)          \
-    X(pszMaxNumRetry) X(pszFirstRetryTimeout) X(pszReregThreshold) X(pszTBit)
-// clang-format on
-// pszInit is copied but deliberately left allocated on release.
-constexpr FieldPair kCopy[] = {FIELDS(SAME_) SAME(pszInit)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ListRow kLists[] = {LIST(ptDnsAddrList, ptDnsAddr, tqsClientProvCtxVerifyContextDnsAddrList),
-                              LIST(ptBearerList, ptBearer, tqsClientProvCtxVerifyContextBearerList)};
-constexpr ChildSlot kChildren[] = {
-    SLOT(ptNapAuthInfo, ptNapAuthInfo, tqsCtxNapAuthInfo, tqsClientProvCtxVerifyContextNapAuthInfo),
-    SLOT(ptValidity, ptValidity, tqsCtxValidity, tqsClientProvCtxVerifyContextValidity)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptDnsAddr, tqsClientProvCtxDelectContextDnsAddrList),
-                                STR_SUB(ptBearer, tqsClientProvCtxDelectContextBearerList),
-                                SUB(ptNapAuthInfo, tqsClientProvCtxDelectContextNapAuthInfo),
-                                SUB(ptValidity, tqsClientProvCtxDelectContextValidity)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), offsetof(W, ptCharacterList),
-                               DistributeThunk<tqsClientProvCtxVerifyCharacterNapDef>};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-static_assert(std::size(kFree) == 27 && std::size(kCopy) == 28);
-}  // namespace napdef
+enum class Part : uint8_t { kCopy, kList, kChild, kFree, kSub };
 
-namespace bootstrap {
-using W = tqsWapBootstrap;
-using C = tqsCtxBootstrap;
-constexpr FieldPair kCopy[] = {SAME(pszName), SAME(pszCountry), SAME(pszProvUrl), SAME(pszContextAllow)};
-constexpr ListRow kLists[] = {LIST(ptProxyIdList, ptProxyId, tqsClientProvCtxVerifyContextProxyIdList),
-                              LIST(ptNetworkList, ptNetwork, tqsClientProvCtxVerifyContextNetworkList)};
-constexpr Offset kFree[] = {OFF(pszContextAllow), OFF(pszCountry), OFF(pszName), OFF(pszProvUrl)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptNetwork, tqsClientProvCtxDelectContextNetworkList),
-                                STR_SUB(ptProxyId, tqsClientProvCtxDelectContextProxyIdList)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace bootstrap
+template <rec::Kind K>
+constexpr size_t CountOf(Part part) {
+    size_t n = 0;
+    for (const rec::Field &f : rec::Record<K>::kFields) {
+        const bool str = rec::IsString(f.fill);
+        switch (part) {
+            case Part::kCopy:
+                n += str ? (f.copy == rec::CopyRule::Skip ? 0 : f.copy == rec::CopyRule::Twice ? 2 : 1) : 0;
+                break;
+            case Part::kList:
+                n += rec::IsList(f.fill);
+                break;
+            case Part::kChild:
+                n += f.fill == rec::Fill::Child;
+                break;
+            case Part::kFree:
+                n += str && f.release != 0;
+                break;
+            case Part::kSub:
+                n += !str && f.release != 0;
+                break;
+        }
+    }
+    return n;
+}
 
-namespace clientident {
-using W = tqsWapClientIdentity;
-using C = tqsCtxClientIdent;
-constexpr FieldPair kCopy[] = {SAME(pszClientId)};
-constexpr Offset kFree[] = {OFF(pszClientId)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, kNone};  // never a chain
-}  // namespace clientident
+template <rec::Kind K>
+struct Tables {
+    Table<FieldPair, CountOf<K>(Part::kCopy)> copy;     // strings copied, in field order
+    Table<ListRow, CountOf<K>(Part::kList)> lists;      // string lists, in context field order
+    Table<ChildSlot, CountOf<K>(Part::kChild)> children;  // accepted children, in test order
+    Table<Offset, CountOf<K>(Part::kFree)> free;        // strings released, in release order
+    Table<SubRelease, CountOf<K>(Part::kSub)> subs;     // lists and chains released, in release order
+};
 
-namespace venderconfig {
-using W = tqsWapVendorConfig;
-using C = tqsCtxVenderConfig;
-#define FIELDS(X) X(pszName) X(pszParmName) X(pszParmValue)
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace venderconfig
+template <rec::Kind K>
+constexpr Tables<K> MakeTables() {
+    using R = rec::Record<K>;
+    static_assert(K == rec::Kind::Root || CountOf<K>(Part::kChild) <= kMaxChildSlots);
+    Tables<K> t{};
+    for (const rec::Field &f : R::kFields) {
+        if (!rec::IsString(f.fill)) continue;
+        if (f.copy != rec::CopyRule::Skip) t.copy.Add({f.tree, f.ctx});
+        if (f.copy == rec::CopyRule::Twice) t.copy.Add({f.tree, f.ctx});
+    }
+    for (Offset off = 0; off < sizeof(typename R::Ctx); off += sizeof(void *)) {
+        for (const rec::Field &f : R::kFields) {
+            if (rec::IsList(f.fill) && f.ctx == off) t.lists.Add({f.tree, f.ctx, kListRoutines[size_t(f.list)].convert});
+        }
+    }
+    for (size_t place = 1; place <= std::size(R::kFields); ++place) {
+        for (const rec::Field &f : R::kFields) {
+            if (f.fill == rec::Fill::Child && f.order == place) {
+                const rec::RecordInfo &child = rec::kRecords[size_t(f.child)];
+                t.children.Add({child.slot, f.ctx, child.next, kKindRoutines[size_t(f.child)].convert});
+            }
+            if (f.release != place) continue;
+            if (rec::IsString(f.fill)) {
+                t.free.Add(f.ctx);
+            } else {
+                t.subs.Add({f.ctx, rec::IsList(f.fill) ? kListRoutines[size_t(f.list)].release
+                                                       : kKindRoutines[size_t(f.child)].release});
+            }
+        }
+    }
+    return t;
+}
 
-namespace appaddr {
-using W = tqsWapAppAddr;
-using C = tqsCtxAppAddr;
-constexpr FieldPair kCopy[] = {SAME(pszAddr), SAME(pszAddrType)};
-constexpr Offset kFree[] = {OFF(pszAddr), OFF(pszAddrType)};
-constexpr ChildSlot kChildren[] = {SLOT(ptPort, ptPort, tqsCtxPort, tqsClientProvCtxVerifyContextPort)};
-constexpr SubRelease kSubs[] = {SUB(ptPort, tqsClientProvCtxDelectContextPort)};
-constexpr ConvertDesc kConvert{sizeof(C),
-                               RowsOf(kCopy),
-                               {},
-                               offsetof(W, ptCharacterList),
-                               DistributeThunk<tqsClientProvCtxVerifyCharacterAppAddr>};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace appaddr
+template <rec::Kind K>
+constexpr Tables<K> kTables = MakeTables<K>();
 
-namespace appauth {
-using W = tqsWapAppAuth;
-using C = tqsCtxAppAuth;
-constexpr FieldPair kCopy[] = {SAME(pszAAuthLevel), SAME(pszAAuthType), SAME(pszAAuthName),
-                               SAME(pszAAuthSecret), SAME(pszAAuthData)};
-constexpr Offset kFree[] = {OFF(pszAAuthData), OFF(pszAAuthLevel), OFF(pszAAuthName), OFF(pszAAuthSecret),
-                            OFF(pszAAuthType)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace appauth
+template <rec::Kind K>
+constexpr ConvertDesc kConvert{sizeof(typename rec::Record<K>::Ctx), kTables<K>.copy.AsRows(),
+                               kTables<K>.lists.AsRows(),
+                               rec::CharacterListOffset<typename rec::Record<K>::Wap>(),
+                               kKindRoutines[size_t(K)].distribute};
 
-namespace resource {
-using W = tqsWapResource;
-using C = tqsCtxResource;
-constexpr FieldPair kCopy[] = {SAME(pszUri),       SAME(pszName),      SAME(pszAAccept),
-                               SAME(pszAAuthType), SAME(pszAAuthName), SAME(pszAAuthSecret),
-                               SAME(pszAAuthData), SAME(pszStartPage)};
-constexpr Offset kFree[] = {OFF(pszAAccept),   OFF(pszAAuthData), OFF(pszAAuthName), OFF(pszAAuthSecret),
-                            OFF(pszAAuthType), OFF(pszName),      OFF(pszStartPage), OFF(pszUri)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace resource
+template <rec::Kind K>
+constexpr ReleaseDesc kRelease{kTables<K>.free.AsRows(), kTables<K>.subs.AsRows(),
+                               rec::NextOffset<typename rec::Record<K>::Ctx>()};
 
-namespace roaming {
-using W = tqsWapRoaming;
-using C = tqsCtxRoaming;
-constexpr FieldPair kCopy[] = {SAME(pszSyncAllowed), SAME(pszSyncDefault)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-}  // namespace roaming
-
-namespace application {
-using W = tqsWapApplication;
-using C = tqsCtxApplication;
-// clang-format off
-constexpr FieldPair kCopy[] = {
-    SAME(pszAppId), SAME(pszProviderId),
-    SAME(pszFrom), SAME(pszFrom),  // copied twice: the second copy replaces the first, which stays allocated
-    SAME(pszName), SAME(pszAAccept), SAME(pszAProtocol), SAME(pszInternet), SAME(pszXcapAuidDcs),
-    SAME(pszXcapAuidPms), SAME(pszXcapAuidCdms), SAME(pszXcapImeiHeader), SAME(pszXcapTidHeader)};
-// clang-format on
-constexpr ListRow kLists[] = {LIST(ptToProxyList, ptToProxy, tqsClientProvCtxVerifyContextToProxyList),
-                              LIST(ptToNapIdList, ptToNapId, tqsClientProvCtxVerifyContextToNapIdList),
-                              LIST(ptAddrList, ptToAddr, tqsClientProvCtxVerifyContextToAddrList)};
-constexpr ChildSlot kChildren[] = {
-    SLOT(ptRoaming, ptRoaming, tqsCtxRoaming, tqsClientProvCtxVerifyContextRoaming),
-    SLOT(ptAppAddr, ptAppAddr, tqsCtxAppAddr, tqsClientProvCtxVerifyContextAppAddr),
-    SLOT(ptAppAuth, ptAppAuth, tqsCtxAppAuth, tqsClientProvCtxVerifyContextAppAuth),
-    SLOT(ptResource, ptResource, tqsCtxResource, tqsClientProvCtxVerifyContextResource)};
-// The five XCAP strings and the ROAMING chain are deliberately left allocated.
-constexpr Offset kFree[] = {OFF(pszAAccept),    OFF(pszAppId), OFF(pszAProtocol), OFF(pszName),
-                            OFF(pszProviderId), OFF(pszFrom),  OFF(pszInternet)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptToAddr, tqsClientProvCtxDelectContextToAddrList),
-                                STR_SUB(ptToNapId, tqsClientProvCtxDelectContextToNapIdList),
-                                STR_SUB(ptToProxy, tqsClientProvCtxDelectContextToProxyList),
-                                SUB(ptAppAddr, tqsClientProvCtxDelectContextAppAddr),
-                                SUB(ptAppAuth, tqsClientProvCtxDelectContextAppAuth),
-                                SUB(ptResource, tqsClientProvCtxDelectContextResource)};
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), RowsOf(kLists), offsetof(W, ptCharacterList),
-                               DistributeThunk<tqsClientProvCtxVerifyCharacterApplication>};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), RowsOf(kSubs), offsetof(C, ptNext)};
-static_assert(std::size(kChildren) <= kMaxChildSlots);
-}  // namespace application
-
-namespace access {
-using W = tqsWapAccess;
-using C = tqsCtxAccess;
-constexpr ListRow kLists[] = {LIST(ptRuleList, ptRule, tqsClientProvCtxVerifyContextRuleList),
-                              LIST(ptAppIdList, ptAppId, tqsClientProvCtxVerifyContextAppIdList),
-                              LIST(ptPortNbrList, ptPortNbr, tqsClientProvCtxVerifyContextPortNbrList),
-                              LIST(ptDomainList, ptDomain, tqsClientProvCtxVerifyContextDomainList),
-                              LIST(ptToNapIdList, ptToNapId, tqsClientProvCtxVerifyContextToNapIdList),
-                              LIST(ptToProxyList, ptToProxy, tqsClientProvCtxVerifyContextToProxyList)};
-constexpr SubRelease kSubs[] = {STR_SUB(ptAppId, tqsClientProvCtxDelectContextAppIdList),
-                                STR_SUB(ptDomain, tqsClientProvCtxDelectContextDomainList),
-                                STR_SUB(ptPortNbr, tqsClientProvCtxDelectContextPortNbrList),
-                                STR_SUB(ptRule, tqsClientProvCtxDelectContextRuleList),
-                                STR_SUB(ptToNapId, tqsClientProvCtxDelectContextToNapIdList),
-                                STR_SUB(ptToProxy, tqsClientProvCtxDelectContextToProxyList)};
-constexpr ConvertDesc kConvert{sizeof(C), {}, RowsOf(kLists), kNone, nullptr};
-constexpr ReleaseDesc kRelease{{}, RowsOf(kSubs), offsetof(C, ptNext)};
-}  // namespace access
-
-namespace wifi {
-using W = tqsWapWifi;
-using C = tqsCtxWifi;
-// clang-format off
-#define FIELDS(X) X(pszNetSsid) X(pszSecMode) X(pszEapMethod) X(pszEapType) X(pszUserName) X(pszAnonUserName) \
-    X(pszPassword) X(pszCaCert) X(pszUserCert) X(pszPhase1) X(pszAuthAlgorithm) X(pszPriority)
-// clang-format on
-constexpr FieldPair kCopy[] = {FIELDS(SAME_)};
-constexpr Offset kFree[] = {FIELDS(OFF_)};
-#undef FIELDS
-constexpr ConvertDesc kConvert{sizeof(C), RowsOf(kCopy), {}, kNone, nullptr};
-constexpr ReleaseDesc kRelease{RowsOf(kFree), {}, offsetof(C, ptNext)};
-}  // namespace wifi
-
-namespace root {
-using C = tqsClientProvCtx;
-// Top-level slots, tested in this order for every characteristic of the document.
-constexpr ChildSlot kSlots[] = {
-    SLOT(ptPxLogical, ptPxLogical, tqsCtxPxLogical, tqsClientProvCtxVerifyContextPxLogical),
-    SLOT(ptNapDef, ptNapDef, tqsCtxNapDef, tqsClientProvCtxVerifyContextNapdef),
-    SLOT(ptBootstrap, ptBootstrap, tqsCtxBootstrap, tqsClientProvCtxVerifyContextBootstrap),
-    ChildSlot{offsetof(tqsWapCharacter, ptClientIdentity), offsetof(C, ptClientIdent), kNone,
-              ConvertThunk<tqsClientProvCtxVerifyContextClientIdent>},  // single record, first wins
-    SLOT(ptVendorConfig, ptVenderConfig, tqsCtxVenderConfig, tqsClientProvCtxVerifyContextVenderConfig),
-    SLOT(ptWifi, ptWifi, tqsCtxWifi, tqsClientProvCtxVerifyContextWifi),
-    SLOT(ptApplication, ptApplication, tqsCtxApplication, tqsClientProvCtxVerifyContextApplication),
-    SLOT(ptAccess, ptAccess, tqsCtxAccess, tqsClientProvCtxVerifyContextAccess)};
-// The WI-FI chain is deliberately left allocated.
-constexpr SubRelease kSubs[] = {SUB(ptAccess, tqsClientProvCtxDelectContextAccess),
-                                SUB(ptApplication, tqsClientProvCtxDelectContextApplication),
-                                SUB(ptBootstrap, tqsClientProvCtxDelectContextBootstrap),
-                                SUB(ptClientIdent, tqsClientProvCtxDelectContextClientIdent),
-                                SUB(ptNapDef, tqsClientProvCtxDelectContextNapDef),
-                                SUB(ptPxLogical, tqsClientProvCtxDelectContextPxLogical),
-                                SUB(ptVenderConfig, tqsClientProvCtxDelectContextVenderConfig)};
-constexpr ReleaseDesc kRelease{{}, RowsOf(kSubs), kNone};
-}  // namespace root
-
-#undef SAME
-#undef OFF
-#undef SAME_
-#undef OFF_
-#undef LIST
-#undef SLOT
-#undef SUB
-#undef STR_SUB
+template <rec::Kind K>
+constexpr Rows<ChildSlot> kChildren = kTables<K>.children.AsRows();
 
 template <class T>
 T *Convert(const char *name, const void *wap, const ConvertDesc &d) {
@@ -652,11 +505,12 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
         tqcTraceError(TQS_ERROR_FAILED);
         return TQS_ERROR_FAILED;
     }
-    ChainTail tails[std::size(root::kSlots)];
+    constexpr Rows<ChildSlot> kSlots = kChildren<rec::Kind::Root>;
+    ChainTail tails[kSlots.count];
     for (; item != nullptr; status = tqsListGetItemNext(ptCharacterList, &item)) {
         if (status != TQS_OK) break;
-        for (size_t i = 0; i < std::size(root::kSlots); ++i) {
-            const ChildSlot &s = root::kSlots[i];
+        for (size_t i = 0; i < kSlots.count; ++i) {
+            const ChildSlot &s = kSlots.row[i];
             const void *wap = Load(item, s.slot);
             if (wap == nullptr) continue;
             if (s.next == kNone) {
@@ -679,27 +533,27 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
 // ---- record converters ----------------------------------------------------------
 
 extern "C" tqsCtxPxLogical *tqsClientProvCtxVerifyContextPxLogical(const tqsWapPxLogical *ptWap) {
-    return Convert<tqsCtxPxLogical>(__func__, ptWap, pxlogical::kConvert);
+    return Convert<tqsCtxPxLogical>(__func__, ptWap, kConvert<rec::Kind::PxLogical>);
 }
 
 extern "C" tqsCtxPxAuthInfo *tqsClientProvCtxVerifyContextPxAuthInfo(const tqsWapPxAuthInfo *ptWap) {
-    return Convert<tqsCtxPxAuthInfo>(__func__, ptWap, pxauthinfo::kConvert);
+    return Convert<tqsCtxPxAuthInfo>(__func__, ptWap, kConvert<rec::Kind::PxAuthInfo>);
 }
 
 extern "C" tqsCtxPort *tqsClientProvCtxVerifyContextPort(const tqsWapPort *ptWap) {
-    return Convert<tqsCtxPort>(__func__, ptWap, port::kConvert);
+    return Convert<tqsCtxPort>(__func__, ptWap, kConvert<rec::Kind::Port>);
 }
 
 extern "C" tqsCtxPxPhysical *tqsClientProvCtxVerifyContextPxPhysical(const tqsWapPxPhysical *ptWap) {
-    return Convert<tqsCtxPxPhysical>(__func__, ptWap, pxphysical::kConvert);
+    return Convert<tqsCtxPxPhysical>(__func__, ptWap, kConvert<rec::Kind::PxPhysical>);
 }
 
 extern "C" tqsCtxNapDef *tqsClientProvCtxVerifyContextNapdef(const tqsWapNapDef *ptWap) {
-    return Convert<tqsCtxNapDef>(__func__, ptWap, napdef::kConvert);
+    return Convert<tqsCtxNapDef>(__func__, ptWap, kConvert<rec::Kind::NapDef>);
 }
 
 extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqsWapNapAuthInfo *ptWap) {
-    tqsCtxNapAuthInfo *ptCtx = Convert<tqsCtxNapAuthInfo>(__func__, ptWap, napauthinfo::kConvert);
+    tqsCtxNapAuthInfo *ptCtx = Convert<tqsCtxNapAuthInfo>(__func__, ptWap, kConvert<rec::Kind::NapAuthInfo>);
     if (ptCtx != nullptr) {
         // An AUTH-ENTITY parm without value leaves an empty chain (and a failed copy a null
         // string): trace "(null)".
@@ -711,47 +565,47 @@ extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqs
 }
 
 extern "C" tqsCtxValidity *tqsClientProvCtxVerifyContextValidity(const tqsWapValidity *ptWap) {
-    return Convert<tqsCtxValidity>(__func__, ptWap, validity::kConvert);
+    return Convert<tqsCtxValidity>(__func__, ptWap, kConvert<rec::Kind::Validity>);
 }
 
 extern "C" tqsCtxBootstrap *tqsClientProvCtxVerifyContextBootstrap(const tqsWapBootstrap *ptWap) {
-    return Convert<tqsCtxBootstrap>(__func__, ptWap, bootstrap::kConvert);
+    return Convert<tqsCtxBootstrap>(__func__, ptWap, kConvert<rec::Kind::Bootstrap>);
 }
 
 extern "C" tqsCtxClientIdent *tqsClientProvCtxVerifyContextClientIdent(const tqsWapClientIdentity *ptWap) {
-    return Convert<tqsCtxClientIdent>(__func__, ptWap, clientident::kConvert);
+    return Convert<tqsCtxClientIdent>(__func__, ptWap, kConvert<rec::Kind::ClientIdentity>);
 }
 
 extern "C" tqsCtxVenderConfig *tqsClientProvCtxVerifyContextVenderConfig(const tqsWapVendorConfig *ptWap) {
-    return Convert<tqsCtxVenderConfig>(__func__, ptWap, venderconfig::kConvert);
+    return Convert<tqsCtxVenderConfig>(__func__, ptWap, kConvert<rec::Kind::VendorConfig>);
 }
 
 extern "C" tqsCtxApplication *tqsClientProvCtxVerifyContextApplication(const tqsWapApplication *ptWap) {
-    return Convert<tqsCtxApplication>(__func__, ptWap, application::kConvert);
+    return Convert<tqsCtxApplication>(__func__, ptWap, kConvert<rec::Kind::Application>);
 }
 
 extern "C" tqsCtxAppAddr *tqsClientProvCtxVerifyContextAppAddr(const tqsWapAppAddr *ptWap) {
-    return Convert<tqsCtxAppAddr>(__func__, ptWap, appaddr::kConvert);
+    return Convert<tqsCtxAppAddr>(__func__, ptWap, kConvert<rec::Kind::AppAddr>);
 }
 
 extern "C" tqsCtxAppAuth *tqsClientProvCtxVerifyContextAppAuth(const tqsWapAppAuth *ptWap) {
-    return Convert<tqsCtxAppAuth>(__func__, ptWap, appauth::kConvert);
+    return Convert<tqsCtxAppAuth>(__func__, ptWap, kConvert<rec::Kind::AppAuth>);
 }
 
 extern "C" tqsCtxResource *tqsClientProvCtxVerifyContextResource(const tqsWapResource *ptWap) {
-    return Convert<tqsCtxResource>(__func__, ptWap, resource::kConvert);
+    return Convert<tqsCtxResource>(__func__, ptWap, kConvert<rec::Kind::Resource>);
 }
 
 extern "C" tqsCtxRoaming *tqsClientProvCtxVerifyContextRoaming(const tqsWapRoaming *ptWap) {
-    return Convert<tqsCtxRoaming>(__func__, ptWap, roaming::kConvert);
+    return Convert<tqsCtxRoaming>(__func__, ptWap, kConvert<rec::Kind::Roaming>);
 }
 
 extern "C" tqsCtxAccess *tqsClientProvCtxVerifyContextAccess(const tqsWapAccess *ptWap) {
-    return Convert<tqsCtxAccess>(__func__, ptWap, access::kConvert);
+    return Convert<tqsCtxAccess>(__func__, ptWap, kConvert<rec::Kind::Access>);
 }
 
 extern "C" tqsCtxWifi *tqsClientProvCtxVerifyContextWifi(const tqsWapWifi *ptWap) {
-    return Convert<tqsCtxWifi>(__func__, ptWap, wifi::kConvert);
+    return Convert<tqsCtxWifi>(__func__, ptWap, kConvert<rec::Kind::Wifi>);
 }
 
 // ---- string-list converters -------------------------------------------------------
@@ -800,81 +654,81 @@ extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextDomainList(TqsList *ptLis
 
 extern "C" uint32_t tqsClientProvCtxVerifyCharacterPxLogical(TqsList *ptCharacterList,
                                                              tqsCtxPxLogical *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, RowsOf(pxlogical::kChildren));
+    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::PxLogical>);
 }
 
 extern "C" uint32_t tqsClientProvCtxVerifyCharacterPxPhysical(TqsList *ptCharacterList,
                                                               tqsCtxPxPhysical *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, RowsOf(pxphysical::kChildren));
+    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::PxPhysical>);
 }
 
 extern "C" uint32_t tqsClientProvCtxVerifyCharacterAppAddr(TqsList *ptCharacterList,
                                                            tqsCtxAppAddr *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, RowsOf(appaddr::kChildren));
+    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::AppAddr>);
 }
 
 extern "C" uint32_t tqsClientProvCtxVerifyCharacterNapDef(TqsList *ptCharacterList, tqsCtxNapDef *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, RowsOf(napdef::kChildren));
+    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::NapDef>);
 }
 
 extern "C" uint32_t tqsClientProvCtxVerifyCharacterApplication(TqsList *ptCharacterList,
                                                                tqsCtxApplication *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, RowsOf(application::kChildren));
+    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::Application>);
 }
 
 // ---- release ---------------------------------------------------------------------------
 
 extern "C" void tqsClientProvCtxDelectContext(tqsClientProvCtx *ptCtx) {
-    ReleaseChain(__func__, ptCtx, root::kRelease);
+    ReleaseChain(__func__, ptCtx, kRelease<rec::Kind::Root>);
 }
 extern "C" void tqsClientProvCtxDelectContextPxLogical(tqsCtxPxLogical *ptRec) {
-    ReleaseChain(__func__, ptRec, pxlogical::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxLogical>);
 }
 extern "C" void tqsClientProvCtxDelectContextPxAuthInfo(tqsCtxPxAuthInfo *ptRec) {
-    ReleaseChain(__func__, ptRec, pxauthinfo::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxAuthInfo>);
 }
 extern "C" void tqsClientProvCtxDelectContextPort(tqsCtxPort *ptRec) {
-    ReleaseChain(__func__, ptRec, port::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Port>);
 }
 extern "C" void tqsClientProvCtxDelectContextPxPhysical(tqsCtxPxPhysical *ptRec) {
-    ReleaseChain(__func__, ptRec, pxphysical::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxPhysical>);
 }
 extern "C" void tqsClientProvCtxDelectContextNapDef(tqsCtxNapDef *ptRec) {
-    ReleaseChain(__func__, ptRec, napdef::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::NapDef>);
 }
 extern "C" void tqsClientProvCtxDelectContextNapAuthInfo(tqsCtxNapAuthInfo *ptRec) {
-    ReleaseChain(__func__, ptRec, napauthinfo::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::NapAuthInfo>);
 }
 extern "C" void tqsClientProvCtxDelectContextValidity(tqsCtxValidity *ptRec) {
-    ReleaseChain(__func__, ptRec, validity::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Validity>);
 }
 extern "C" void tqsClientProvCtxDelectContextBootstrap(tqsCtxBootstrap *ptRec) {
-    ReleaseChain(__func__, ptRec, bootstrap::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Bootstrap>);
 }
 extern "C" void tqsClientProvCtxDelectContextClientIdent(tqsCtxClientIdent *ptRec) {
-    ReleaseChain(__func__, ptRec, clientident::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::ClientIdentity>);
 }
 extern "C" void tqsClientProvCtxDelectContextVenderConfig(tqsCtxVenderConfig *ptRec) {
-    ReleaseChain(__func__, ptRec, venderconfig::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::VendorConfig>);
 }
 extern "C" void tqsClientProvCtxDelectContextApplication(tqsCtxApplication *ptRec) {
-    ReleaseChain(__func__, ptRec, application::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Application>);
 }
 extern "C" void tqsClientProvCtxDelectContextAppAddr(tqsCtxAppAddr *ptRec) {
-    ReleaseChain(__func__, ptRec, appaddr::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::AppAddr>);
 }
 extern "C" void tqsClientProvCtxDelectContextAppAuth(tqsCtxAppAuth *ptRec) {
-    ReleaseChain(__func__, ptRec, appauth::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::AppAuth>);
 }
 extern "C" void tqsClientProvCtxDelectContextResource(tqsCtxResource *ptRec) {
-    ReleaseChain(__func__, ptRec, resource::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Resource>);
 }
 extern "C" void tqsClientProvCtxDelectContextAccess(tqsCtxAccess *ptRec) {
-    ReleaseChain(__func__, ptRec, access::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Access>);
 }
 // Nothing calls it: the root release leaves the WI-FI chain allocated.
 extern "C" void tqsClientProvCtxDelectContextWifi(tqsCtxWifi *ptRec) {
-    ReleaseChain(__func__, ptRec, wifi::kRelease);
+    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Wifi>);
 }
 
 extern "C" void tqsClientProvCtxDelectContextRuleList(tqsCtxStrNode *ptNode) {

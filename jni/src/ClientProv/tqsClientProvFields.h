@@ -512,6 +512,7 @@ static_assert(sizeof(tqsWapCharacter) == kSlotCount * sizeof(void *), "one kind 
 
 struct RecordInfo {
     const char *type;
+    uint16_t slot;  // offset in tqsWapCharacter; kNoOffset for the root
     const Field *fields;
     uint8_t count;
     uint16_t treeSize;
@@ -525,6 +526,7 @@ template <Kind K>
 constexpr RecordInfo InfoOf() {
     using R = Record<K>;
     return {R::kType,
+            R::kSlot,
             R::kFields,
             static_cast<uint8_t>(sizeof R::kFields / sizeof R::kFields[0]),
             sizeof(typename R::Wap),

@@ -2,6 +2,7 @@
 #include "tqsClientProvWbxml.h"
 
 #include "smlbuffer.h"
+#include "tqsClientProvFields.h"
 #include "tqslist.h"
 #include "tqsmemory.h"
 #include "tqstrace.h"
@@ -15,8 +16,7 @@ extern "C" TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder,
     *pptDecoder = nullptr;
     tqsWbxmlDecoder *ptTmp = nullptr;
     if (pBody != nullptr) {
-        ptTmp = static_cast<tqsWbxmlDecoder *>(
-            tqsMemAllocSetZero_debug(sizeof(tqsWbxmlDecoder) + 1, kUnitPath, __LINE__));
+        ptTmp = static_cast<tqsWbxmlDecoder *>(tqsMemAllocSetZero_debug(sizeof *ptTmp + 1, kUnitPath, __LINE__));
     }
     if (ptTmp == nullptr) {
         tqcTrace("[Error] [tqsClientProvWbxmlInitDecoder] ptTmp NULL");
@@ -45,49 +45,34 @@ extern "C" TqsResult tqsClientProvWbxmlDeleteDecoder(tqsWbxmlDecoder *ptDecoder)
 
 // ---- Release of the tree ---------------------------------------------------
 //
-// Each record is described once by one letter per pointer field, in memory
-// order: S owned string, L list of owned strings, C list of nested
-// characteristics, K left allocated on purpose (the leak report shows it).
+// Each record's shape, one letter per pointer field in memory order, comes
+// from its field list: S owned string, L list of owned strings, C list of
+// nested characteristics, K left allocated on purpose (the leak report shows it).
 
 namespace {
 
-constexpr char kShapePxLogical[] = "SSSSSSSSSSSSSLC";
-constexpr char kShapePxAuthInfo[] = "SSS";
-constexpr char kShapePort[] = "SL";
-constexpr char kShapePxPhysical[] = "SSSSSSSLLC";
-constexpr char kShapeNapDef[] = "SSSSSSSSSSSSSSSSSSSSSSSSSSSKLLC";
-constexpr char kShapeNapAuthInfo[] = "SSSSL";
-constexpr char kShapeValidity[] = "SSSSS";
-constexpr char kShapeAppAddr[] = "SSC";
-constexpr char kShapeResource[] = "SSSSSSSS";
-constexpr char kShapeAppAuth[] = "SSSSS";
-constexpr char kShapeApplication[] = "SSKSSSSKKKKKLLLC";
-constexpr char kShapeBootstrap[] = "SSSSLL";
-constexpr char kShapeVendorConfig[] = "SKK";
-constexpr char kShapeClientIdentity[] = "S";
-constexpr char kShapeAccess[] = "LLLLLL";
-constexpr char kShapeWifi[] = "SSSSSSSSSSSS";
+namespace rec = tqs::detail;
 
-template <typename Record, size_t N>
-constexpr bool ShapeFits(const char (&)[N]) {
-    return (N - 1) * sizeof(void *) == sizeof(Record);
+template <rec::Kind K>
+struct Shape {
+    char text[sizeof(typename rec::Record<K>::Wap) / sizeof(void *) + 1];
+};
+
+template <rec::Kind K>
+constexpr Shape<K> MakeShape() {
+    Shape<K> tShape{};
+    for (const rec::Field &f : rec::Record<K>::kFields) {
+        if (f.tree == rec::kNoOffset) continue;
+        tShape.text[f.tree / sizeof(void *)] =
+            rec::IsList(f.fill) ? 'L' : (f.treeRule == rec::TreeRule::Keep ? 'K' : 'S');
+    }
+    constexpr uint16_t nChars = rec::CharacterListOffset<typename rec::Record<K>::Wap>();
+    if (nChars != rec::kNoOffset) tShape.text[nChars / sizeof(void *)] = 'C';
+    return tShape;
 }
-static_assert(ShapeFits<tqsWapPxLogical>(kShapePxLogical));
-static_assert(ShapeFits<tqsWapPxAuthInfo>(kShapePxAuthInfo));
-static_assert(ShapeFits<tqsWapPort>(kShapePort));
-static_assert(ShapeFits<tqsWapPxPhysical>(kShapePxPhysical));
-static_assert(ShapeFits<tqsWapNapDef>(kShapeNapDef));
-static_assert(ShapeFits<tqsWapNapAuthInfo>(kShapeNapAuthInfo));
-static_assert(ShapeFits<tqsWapValidity>(kShapeValidity));
-static_assert(ShapeFits<tqsWapAppAddr>(kShapeAppAddr));
-static_assert(ShapeFits<tqsWapResource>(kShapeResource));
-static_assert(ShapeFits<tqsWapAppAuth>(kShapeAppAuth));
-static_assert(ShapeFits<tqsWapApplication>(kShapeApplication));
-static_assert(ShapeFits<tqsWapBootstrap>(kShapeBootstrap));
-static_assert(ShapeFits<tqsWapVendorConfig>(kShapeVendorConfig));
-static_assert(ShapeFits<tqsWapClientIdentity>(kShapeClientIdentity));
-static_assert(ShapeFits<tqsWapAccess>(kShapeAccess));
-static_assert(ShapeFits<tqsWapWifi>(kShapeWifi));
+
+template <rec::Kind K>
+constexpr Shape<K> kShape = MakeShape<K>();
 
 uint32_t ReleaseCharacterItem(void *pItem) {
     return tqsClientProvWbxmlDeleteCharacter(static_cast<tqsWapCharacter *>(pItem));
@@ -145,7 +130,14 @@ constexpr uint32_t (*kSlotRelease[])(void *) = {
     nullptr,
     ReleaseSlot<tqsWapWifi, tqsClientProvWbxmlDeleteWifi>,
 };
-static_assert(sizeof(kSlotRelease) / sizeof(kSlotRelease[0]) * sizeof(void *) == sizeof(tqsWapCharacter));
+constexpr bool SlotsFollowTheirKinds() {
+    if (sizeof(kSlotRelease) / sizeof(kSlotRelease[0]) != rec::kSlotCount) return false;
+    for (size_t i = 0; i < rec::kSlotCount; ++i) {
+        if ((kSlotRelease[i] == nullptr) != (rec::kRecords[i].treeRule == rec::TreeRule::Keep)) return false;
+    }
+    return true;
+}
+static_assert(SlotsFollowTheirKinds(), "one routine per slot, none for the record kept on purpose");
 
 }  // namespace
 
@@ -177,26 +169,26 @@ extern "C" uint32_t tqsClientProvWbxmlDeleteAppAddr(tqsWapAppAddr *ptRecord) {
         tqsMemFree_debug(ptRecord->pszAddrType);
         ptRecord->pszAddrType = nullptr;
     }
-    return ReleaseRecord(ptRecord, kShapeAppAddr);
+    return ReleaseRecord(ptRecord, kShape<rec::Kind::AppAddr>.text);
 }
 
-#define TQS_DEFINE_RELEASE(name, type, shape)  \
-    extern "C" uint32_t name(type *ptRecord) { \
-        return ReleaseRecord(ptRecord, shape); \
+#define TQS_DEFINE_RELEASE(name, type, kind)                          \
+    extern "C" uint32_t name(type *ptRecord) {                        \
+        return ReleaseRecord(ptRecord, kShape<rec::Kind::kind>.text); \
     }
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxlogical, tqsWapPxLogical, kShapePxLogical)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxAuthInfo, tqsWapPxAuthInfo, kShapePxAuthInfo)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePort, tqsWapPort, kShapePort)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxphysical, tqsWapPxPhysical, kShapePxPhysical)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteNapDef, tqsWapNapDef, kShapeNapDef)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteNapAuthInfo, tqsWapNapAuthInfo, kShapeNapAuthInfo)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteValidity, tqsWapValidity, kShapeValidity)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteResource, tqsWapResource, kShapeResource)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteAppAuth, tqsWapAppAuth, kShapeAppAuth)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteApplication, tqsWapApplication, kShapeApplication)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteBootstrap, tqsWapBootstrap, kShapeBootstrap)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteVendorConfig, tqsWapVendorConfig, kShapeVendorConfig)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteClientIdentity, tqsWapClientIdentity, kShapeClientIdentity)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteAccess, tqsWapAccess, kShapeAccess)
-TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteWifi, tqsWapWifi, kShapeWifi)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxlogical, tqsWapPxLogical, PxLogical)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxAuthInfo, tqsWapPxAuthInfo, PxAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePort, tqsWapPort, Port)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeletePxphysical, tqsWapPxPhysical, PxPhysical)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteNapDef, tqsWapNapDef, NapDef)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteNapAuthInfo, tqsWapNapAuthInfo, NapAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteValidity, tqsWapValidity, Validity)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteResource, tqsWapResource, Resource)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteAppAuth, tqsWapAppAuth, AppAuth)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteApplication, tqsWapApplication, Application)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteBootstrap, tqsWapBootstrap, Bootstrap)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteVendorConfig, tqsWapVendorConfig, VendorConfig)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteClientIdentity, tqsWapClientIdentity, ClientIdentity)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteAccess, tqsWapAccess, Access)
+TQS_DEFINE_RELEASE(tqsClientProvWbxmlDeleteWifi, tqsWapWifi, Wifi)
 #undef TQS_DEFINE_RELEASE

@@ -6,7 +6,7 @@
  * one spare byte; a field no parm filled stays null. Strings are owned,
  * zero-terminated blocks; lists are TqsList of owned strings or of
  * tqsWapCharacter records. A few fields are deliberately never released by
- * the delete routines (see tqsClientProvWbxml.cpp) and show up in the leak
+ * the delete routines (see tqsClientProvFields.h) and show up in the leak
  * report.
  */
 #ifndef TQS_CLIENT_PROV_WBXML_H
