@@ -1,9 +1,6 @@
 #include "corpus.h"
 
 #include <glob.h>
-#include <sys/stat.h>
-
-#include <cstdlib>
 
 #include <algorithm>
 #include <fstream>
@@ -13,34 +10,8 @@
 
 namespace corpus {
 
-namespace {
-
-bool IsDir(const std::string &path) {
-    struct stat info {};
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
-// The environment's TQOMACP_CORPUS_DIR, else the configured folder, else the
-// first shared/corpus found walking up from the source tree (worktrees sit
-// deeper than the main checkout).
-std::string Find() {
-    if (const char *env = std::getenv("TQOMACP_CORPUS_DIR"); env != nullptr && *env != '\0') return env;
-    if (IsDir(TQOMACP_CORPUS_DIR)) return TQOMACP_CORPUS_DIR;
-    std::string dir = TQOMACP_SOURCE_DIR;
-    while (!dir.empty()) {
-        if (IsDir(dir + "/shared/corpus")) return dir + "/shared/corpus";
-        size_t slash = dir.find_last_of('/');
-        if (slash == std::string::npos) break;
-        dir.resize(slash);
-    }
-    return TQOMACP_CORPUS_DIR;
-}
-
-}  // namespace
-
 std::string Dir() {
-    static const std::string dir = Find();
-    return dir;
+    return TQOMACP_CORPUS_DIR;
 }
 
 std::string Path(const std::string &path) {

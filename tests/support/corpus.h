@@ -9,8 +9,7 @@
 
 namespace corpus {
 
-// The corpus folder: $TQOMACP_CORPUS_DIR, else the configured folder, else
-// the nearest shared/corpus above the source tree.
+// The corpus folder, as configured (TQOMACP_CORPUS_DIR).
 std::string Dir();
 // Absolute path of a corpus-relative path (absolute paths are kept).
 std::string Path(const std::string &path);
