@@ -1,17 +1,21 @@
 #include "kept_blocks.h"
 
+#include <array>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "leak_accounting.h"
+#include "tqsClientProvFields.h"
 #include "tqslist.h"
 
 namespace fuzz {
 namespace {
 
+namespace rec = tqs::detail;
+
 // Every tree and context record is a run of pointer fields. A layout names
-// the kind of each field, in memory order:
+// the kind of each field, in memory order, as the record's field list has it:
 //   s  owned string, released by the release routines
 //   k  owned string the release routines leave allocated
 //   l  tree list of owned strings          c  tree list of characteristics
@@ -21,110 +25,61 @@ namespace {
 //   F  as k, and converting it leaves one unreachable context copy of the
 //      text behind (APPLICATION FROM is copied twice, the second copy
 //      replacing the first, which stays even when the second one fails)
+constexpr std::size_t kMaxFields = 40;
 struct Layout {
-    const char *kinds;
-    const Layout *children[8];  // record layouts of the r/R fields, in order
+    char kinds[kMaxFields + 1];
+    rec::Kind children[8];  // kinds of the r/R fields, in order
 };
 
-// --- document tree ---------------------------------------------------------
-constexpr Layout kWapPxLogical{"ssssssssssssslc", {}};
-constexpr Layout kWapPxAuthInfo{"sss", {}};
-constexpr Layout kWapPort{"sl", {}};
-constexpr Layout kWapPxPhysical{"sssssssllc", {}};
-constexpr Layout kWapNapDef{
-    "sssssssssssssssssssssssssss"
-    "k"
-    "llc",
-    {}};
-constexpr Layout kWapNapAuthInfo{"ssssl", {}};
-constexpr Layout kWapValidity{"sssss", {}};
-constexpr Layout kWapAppAddr{"ssc", {}};
-constexpr Layout kWapResource{"ssssssss", {}};
-constexpr Layout kWapAppAuth{"sssss", {}};
-constexpr Layout kWapApplication{
-    "ssFssss"
-    "kkkkk"
-    "lllc",
-    {}};
-constexpr Layout kWapBootstrap{"ssssll", {}};
-constexpr Layout kWapVendorConfig{"skk", {}};
-constexpr Layout kWapClientIdentity{"s", {}};
-constexpr Layout kWapAccess{"llllll", {}};
-constexpr Layout kWapRoaming{"kk", {}};
-constexpr Layout kWapWifi{"ssssssssssss", {}};
-
-// Record layout of each tqsWapCharacter slot; ROAMING (slot 15) is never
-// released, record and strings.
-const Layout *const kCharacterSlots[] = {
-    &kWapPxLogical,   &kWapPxAuthInfo, &kWapPort,         &kWapPxPhysical,     &kWapNapDef,
-    &kWapNapAuthInfo, &kWapValidity,   &kWapAppAddr,      &kWapResource,       &kWapAppAuth,
-    &kWapApplication, &kWapBootstrap,  &kWapVendorConfig, &kWapClientIdentity, &kWapAccess,
-    &kWapRoaming,     &kWapWifi,
-};
-constexpr int kRoamingSlot = 15;
-static_assert(sizeof(kCharacterSlots) / sizeof(kCharacterSlots[0]) ==
-              sizeof(tqsWapCharacter) / sizeof(void *));
-
-// --- context -----------------------------------------------------------------
-constexpr Layout kCtxPxAuthInfo{"sssx", {}};
-constexpr Layout kCtxPort{"snx", {}};
-constexpr Layout kCtxPxPhysical{"sssssssnnrx", {&kCtxPort}};
-constexpr Layout kCtxPxLogical{"sssssssssssssnrrrx", {&kCtxPxAuthInfo, &kCtxPort, &kCtxPxPhysical}};
-constexpr Layout kCtxNapAuthInfo{"ssssnx", {}};
-constexpr Layout kCtxValidity{"sssssx", {}};
-constexpr Layout kCtxNapDef{"sssssssssssssssssssssssssssknnrrx", {&kCtxNapAuthInfo, &kCtxValidity}};
-constexpr Layout kCtxBootstrap{"ssssnnx", {}};
-constexpr Layout kCtxClientIdent{"s", {}};
-constexpr Layout kCtxVenderConfig{"sssx", {}};
-constexpr Layout kCtxAppAddr{"ssrx", {&kCtxPort}};
-constexpr Layout kCtxAppAuth{"sssssx", {}};
-constexpr Layout kCtxResource{"ssssssssx", {}};
-constexpr Layout kCtxRoaming{"ssx", {}};
-constexpr Layout kCtxApplication{
-    "sssssssk"
-    "kkkknnnrrrRx",
-    {&kCtxAppAddr, &kCtxAppAuth, &kCtxResource, &kCtxRoaming}};
-constexpr Layout kCtxAccess{"nnnnnnx", {}};
-constexpr Layout kCtxWifi{"ssssssssssssx", {}};
-// The root's Wi-Fi chain is never released.
-constexpr Layout kCtxRoot{"rrrrrrrR",
-                          {&kCtxPxLogical, &kCtxNapDef, &kCtxBootstrap, &kCtxClientIdent, &kCtxVenderConfig,
-                           &kCtxApplication, &kCtxAccess, &kCtxWifi}};
-
-constexpr std::size_t Fields(const Layout &l) {
-    return std::char_traits<char>::length(l.kinds);
+constexpr Layout TreeLayout(const rec::RecordInfo &r) {
+    Layout l{};
+    for (std::size_t i = 0; i < r.count; ++i) {
+        const rec::Field &f = r.fields[i];
+        if (f.tree == rec::kNoOffset) continue;
+        char kind = rec::IsList(f.fill) ? 'l' : 's';
+        if (kind == 's' && f.treeRule == rec::TreeRule::Keep) kind = f.copy == rec::CopyRule::Twice ? 'F' : 'k';
+        l.kinds[f.tree / sizeof(void *)] = kind;
+    }
+    if (r.characterList != rec::kNoOffset) l.kinds[r.characterList / sizeof(void *)] = 'c';
+    return l;
 }
-static_assert(Fields(kWapPxLogical) * sizeof(void *) == sizeof(tqsWapPxLogical));
-static_assert(Fields(kWapPort) * sizeof(void *) == sizeof(tqsWapPort));
-static_assert(Fields(kWapPxPhysical) * sizeof(void *) == sizeof(tqsWapPxPhysical));
-static_assert(Fields(kWapNapDef) * sizeof(void *) == sizeof(tqsWapNapDef));
-static_assert(Fields(kWapNapAuthInfo) * sizeof(void *) == sizeof(tqsWapNapAuthInfo));
-static_assert(Fields(kWapAppAddr) * sizeof(void *) == sizeof(tqsWapAppAddr));
-static_assert(Fields(kWapApplication) * sizeof(void *) == sizeof(tqsWapApplication));
-static_assert(Fields(kWapBootstrap) * sizeof(void *) == sizeof(tqsWapBootstrap));
-static_assert(Fields(kWapVendorConfig) * sizeof(void *) == sizeof(tqsWapVendorConfig));
-static_assert(Fields(kWapAccess) * sizeof(void *) == sizeof(tqsWapAccess));
-static_assert(Fields(kWapRoaming) * sizeof(void *) == sizeof(tqsWapRoaming));
-static_assert(Fields(kWapWifi) * sizeof(void *) == sizeof(tqsWapWifi));
-static_assert(Fields(kCtxPxAuthInfo) * sizeof(void *) == sizeof(tqsCtxPxAuthInfo));
-static_assert(Fields(kCtxPort) * sizeof(void *) == sizeof(tqsCtxPort));
-static_assert(Fields(kCtxPxPhysical) * sizeof(void *) == sizeof(tqsCtxPxPhysical));
-static_assert(Fields(kCtxPxLogical) * sizeof(void *) == sizeof(tqsCtxPxLogical));
-static_assert(Fields(kCtxNapAuthInfo) * sizeof(void *) == sizeof(tqsCtxNapAuthInfo));
-static_assert(Fields(kCtxValidity) * sizeof(void *) == sizeof(tqsCtxValidity));
-static_assert(Fields(kCtxNapDef) * sizeof(void *) == sizeof(tqsCtxNapDef));
-static_assert(Fields(kCtxBootstrap) * sizeof(void *) == sizeof(tqsCtxBootstrap));
-static_assert(Fields(kCtxClientIdent) * sizeof(void *) == sizeof(tqsCtxClientIdent));
-static_assert(Fields(kCtxVenderConfig) * sizeof(void *) == sizeof(tqsCtxVenderConfig));
-static_assert(Fields(kCtxAppAddr) * sizeof(void *) == sizeof(tqsCtxAppAddr));
-static_assert(Fields(kCtxAppAuth) * sizeof(void *) == sizeof(tqsCtxAppAuth));
-static_assert(Fields(kCtxResource) * sizeof(void *) == sizeof(tqsCtxResource));
-static_assert(Fields(kCtxRoaming) * sizeof(void *) == sizeof(tqsCtxRoaming));
-static_assert(Fields(kCtxApplication) * sizeof(void *) == sizeof(tqsCtxApplication));
-static_assert(Fields(kCtxAccess) * sizeof(void *) == sizeof(tqsCtxAccess));
-static_assert(Fields(kCtxWifi) * sizeof(void *) == sizeof(tqsCtxWifi));
-static_assert(Fields(kCtxRoot) * sizeof(void *) == sizeof(tqsClientProvCtx));
-static_assert(sizeof(tqsCtxStrNode) == 2 * sizeof(void *));
+
+constexpr Layout CtxLayout(const rec::RecordInfo &r) {
+    Layout l{};
+    for (std::size_t i = 0; i < r.count; ++i) {
+        const rec::Field &f = r.fields[i];
+        const char released = f.release != 0 ? 1 : 0;
+        l.kinds[f.ctx / sizeof(void *)] = rec::IsString(f.fill) ? (released ? 's' : 'k')
+                                          : rec::IsList(f.fill) ? 'n'
+                                                                : (released ? 'r' : 'R');
+    }
+    if (r.next != rec::kNoOffset) l.kinds[r.next / sizeof(void *)] = 'x';
+    std::size_t child = 0;
+    for (std::size_t off = 0; off < r.ctxSize; off += sizeof(void *)) {
+        for (std::size_t i = 0; i < r.count; ++i) {
+            if (r.fields[i].fill == rec::Fill::Child && r.fields[i].ctx == off) l.children[child++] = r.fields[i].child;
+        }
+    }
+    return l;
+}
+
+// By rec::Kind, the root last.
+constexpr std::size_t kKinds = std::size(rec::kRecords);
+template <Layout (*Make)(const rec::RecordInfo &)>
+constexpr std::array<Layout, kKinds> AllLayouts() {
+    std::array<Layout, kKinds> all{};
+    for (std::size_t k = 0; k < kKinds; ++k) all[k] = Make(rec::kRecords[k]);
+    return all;
+}
+constexpr std::array<Layout, kKinds> kTreeLayouts = AllLayouts<TreeLayout>();
+constexpr std::array<Layout, kKinds> kCtxLayouts = AllLayouts<CtxLayout>();
+
+const Layout &TreeOf(rec::Kind k) {
+    return kTreeLayouts[static_cast<std::size_t>(k)];
+}
+const Layout &CtxOf(rec::Kind k) {
+    return kCtxLayouts[static_cast<std::size_t>(k)];
+}
 
 const char kCtxUnit[] = "jni/src/ClientProv/tqsClientProvCtx";
 volatile std::size_t g_sink = 0;
@@ -201,10 +156,11 @@ void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
 void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
     if (character == nullptr) return;
     if (keepAll) Note(character);
-    for (int slot = 0; slot < static_cast<int>(sizeof(kCharacterSlots) / sizeof(void *)); ++slot) {
-        const void *record = Field(character, static_cast<std::size_t>(slot));
+    for (std::size_t slot = 0; slot < rec::kSlotCount; ++slot) {
+        const void *record = Field(character, slot);
         if (record == nullptr) continue;
-        WalkTreeRecord(record, *kCharacterSlots[slot], keepAll || slot == kRoamingSlot);
+        // A record the tree never releases is kept whole (ROAMING).
+        WalkTreeRecord(record, kTreeLayouts[slot], keepAll || rec::kRecords[slot].treeRule == rec::TreeRule::Keep);
     }
 }
 
@@ -241,10 +197,10 @@ int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
                 WalkStrNodes(static_cast<const tqsCtxStrNode *>(value), keepAll);
                 break;
             case 'r':
-                WalkCtxChain(value, *layout.children[child++], keepAll);
+                WalkCtxChain(value, CtxOf(layout.children[child++]), keepAll);
                 break;
             case 'R':
-                WalkCtxChain(value, *layout.children[child++], true);
+                WalkCtxChain(value, CtxOf(layout.children[child++]), true);
                 break;
             case 'x':
                 next = static_cast<int>(i);
@@ -272,7 +228,7 @@ void NoteKeptInDoc(const tqsWapDoc *doc) {
 }
 
 void NoteKeptInContext(const tqsClientProvCtx *ctx) {
-    if (ctx != nullptr) WalkCtxRecord(ctx, kCtxRoot, false);
+    if (ctx != nullptr) WalkCtxRecord(ctx, CtxOf(rec::Kind::Root), false);
 }
 
 void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out) {
@@ -282,7 +238,7 @@ void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out) 
 }
 
 void NoteWholeNapDef(const tqsCtxNapDef *napDef) {
-    if (napDef != nullptr) WalkCtxRecord(napDef, kCtxNapDef, true);
+    if (napDef != nullptr) WalkCtxRecord(napDef, CtxOf(rec::Kind::NapDef), true);
 }
 
 }  // namespace fuzz
@@ -310,17 +266,17 @@ uint32_t __wrap_tqsClientProvWbxmlDeleteCharacter(tqsWapCharacter *character) {
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteNapDef(tqsWapNapDef *record) {
-    fuzz::WalkTreeRecord(record, fuzz::kWapNapDef, false);
+    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::NapDef), false);
     return __real_tqsClientProvWbxmlDeleteNapDef(record);
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteApplication(tqsWapApplication *record) {
-    fuzz::WalkTreeRecord(record, fuzz::kWapApplication, false);
+    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::Application), false);
     return __real_tqsClientProvWbxmlDeleteApplication(record);
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteVendorConfig(tqsWapVendorConfig *record) {
-    fuzz::WalkTreeRecord(record, fuzz::kWapVendorConfig, false);
+    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::VendorConfig), false);
     return __real_tqsClientProvWbxmlDeleteVendorConfig(record);
 }
 

@@ -3,63 +3,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstdlib>
-#include <sstream>
+#include <span>
 
+#include "tqsClientProvFields.h"
 #include "tqslist.h"
 
 namespace waptree {
 namespace {
-
-struct Layout {
-    const char *type;
-    size_t size;  // of the record, to keep the words below in step with the header
-    const char *fields;
-};
-
-// One word per pointer field: a parm name (string), "*NAME" (list of strings),
-// "@" (nested characteristics), "%" and "=" (VENDORCONFIG's inline parm name
-// and its value). A leading "!" marks a block the release leaves allocated; on
-// the type, the record itself.
-const Layout kLayouts[] = {
-    {"PXLOGICAL", sizeof(tqsWapPxLogical),
-     "PROXY-ID PROXY-PW PPGAUTH-TYPE PROXY-PROVIDER-ID NAME TRUST MASTER STARTPAGE ?1 ?2 ?3 ?4 ?5 *DOMAIN @"},
-    {"PXAUTHINFO", sizeof(tqsWapPxAuthInfo), "PXAUTH-TYPE PXAUTH-ID PXAUTH-PW"},
-    {"PORT", sizeof(tqsWapPort), "PORTNBR *SERVICE"},
-    {"PXPHYSICAL", sizeof(tqsWapPxPhysical),
-     "PHYSICAL-PROXY-ID PXADDR PXADDRTYPE PXADDR-FQDN WSP-VERSION PUSHENABLED PULLENABLED *TO-NAPID *DOMAIN "
-     "@"},
-    {"NAPDEF", sizeof(tqsWapNapDef),
-     "NAPID NAME INTERNET NAP-ADDRESS NAP-ADDRTYPE CALLTYPE LOCAL-ADDR LOCAL-ADDRTYPE LINKSPEED DNLINKSPEED "
-     "LINGER DELIVERY-ERR-SDU DELIVERY-ORDER TRAFFIC-CLASS MAX-SDU-SIZE MAX-BITRATE-UPLINK "
-     "MAX-BITRATE-DNLINK ?1 ?2 ?3 ?4 ?5 ?6 MAX-NUM-RETRY FIRST-RETRY-TIMEOUT REREG-THRESHOLD T-BIT !INIT "
-     "*DNS-ADDR *BEARER @"},
-    {"NAPAUTHINFO", sizeof(tqsWapNapAuthInfo), "AUTHTYPE AUTHNAME AUTHSECRET ?1 *AUTH-ENTITY"},
-    {"VALIDITY", sizeof(tqsWapValidity), "COUNTRY NETWORK SID SOC VALIDUNTIL"},
-    {"APPADDR", sizeof(tqsWapAppAddr), "ADDR ADDRTYPE @"},
-    {"RESOURCE", sizeof(tqsWapResource),
-     "URI NAME AACCEPT AAUTHTYPE AAUTHNAME AAUTHSECRET AAUTHDATA STARTPAGE"},
-    {"APPAUTH", sizeof(tqsWapAppAuth), "AAUTHLEVEL AAUTHTYPE AAUTHNAME AAUTHSECRET AAUTHDATA"},
-    {"APPLICATION", sizeof(tqsWapApplication),
-     "APPID PROVIDER-ID !FROM NAME AACCEPT APROTOCOL INTERNET !XCAP_AUID_DCS !XCAP_AUID_PMS !XCAP_AUID_CDMS "
-     "!XCAP_IMEI_HEADER !XCAP_TID_HEADER *TO-PROXY *TO-NAPID *ADDR @"},
-    {"BOOTSTRAP", sizeof(tqsWapBootstrap), "NAME COUNTRY PROVURL CONTEXT-ALLOW *PROXY-ID *NETWORK"},
-    {"VENDORCONFIG", sizeof(tqsWapVendorConfig), "NAME !% !="},
-    {"CLIENTIDENTITY", sizeof(tqsWapClientIdentity), "CLIENT-ID"},
-    {"ACCESS", sizeof(tqsWapAccess), "*RULE *APPID *PORTNBR *DOMAIN *TO-NAPID *TO-PROXY"},
-    {"!ROAMING", sizeof(tqsWapRoaming), "!SYNC-ALLOWED !SYNC-DEFAULT"},
-    {"WI-FI", sizeof(tqsWapWifi),
-     "NETSSID SECMODE EAPMETHOD EAPTYPE USERNAME ANONUSERNAME PASSWORD CACERT USERCERT PHASE1 AUTHALGORITHM "
-     "PRIORITY"},
-};
-static_assert(sizeof kLayouts / sizeof kLayouts[0] * sizeof(void *) == sizeof(tqsWapCharacter));
-
-// Drops a leading `mark`; tells whether it was there.
-bool Strip(std::string *word, char mark) {
-    if (word->empty() || (*word)[0] != mark) return false;
-    word->erase(0, 1);
-    return true;
-}
 
 std::string Value(const void *p) {
     const unsigned char *text = static_cast<const unsigned char *>(p);
@@ -129,25 +79,22 @@ bool Attribute(const std::string &tag, const std::string &name, std::string *val
 }  // namespace
 
 const std::vector<Slot> &Slots() {
+    namespace rec = tqs::detail;
     static const std::vector<Slot> slots = [] {
         std::vector<Slot> out;
-        for (const Layout &layout : kLayouts) {
-            Slot slot{layout.type, {}, false};
-            slot.recordKept = Strip(&slot.type, '!');
-            std::istringstream words(layout.fields);
-            for (std::string word; words >> word;) {
-                bool kept = Strip(&word, '!');
-                Field field{Field::kString, "", kept};
-                if (Strip(&word, '*')) field.kind = Field::kList;
-                if (word == "@") field.kind = Field::kChars;
-                if (word == "%") field.kind = Field::kPairName;
-                if (word == "=") field.kind = Field::kPairValue;
-                if (field.kind == Field::kString || field.kind == Field::kList) field.name = word;
-                slot.fields.push_back(field);
+        for (const rec::RecordInfo &r : std::span(rec::kRecords, rec::kSlotCount)) {
+            Slot &slot = out.emplace_back(Slot{r.type, {}, r.treeRule == rec::TreeRule::Keep});
+            slot.fields.assign(r.treeSize / sizeof(void *), Field{Field::kChars, "", false});
+            for (const rec::Field &f : std::span(r.fields, r.count)) {
+                if (f.tree == rec::kNoOffset) continue;
+                Field &field = slot.fields[f.tree / sizeof(void *)];
+                field.kind = rec::IsList(f.fill)              ? Field::kList
+                             : f.fill == rec::Fill::PairName  ? Field::kPairName
+                             : f.fill == rec::Fill::PairValue ? Field::kPairValue
+                                                              : Field::kString;
+                if (field.kind == Field::kString || field.kind == Field::kList) field.name = f.name;
+                field.kept = slot.recordKept || f.treeRule == rec::TreeRule::Keep;
             }
-            if (slot.fields.size() * sizeof(void *) != layout.size)
-                std::abort();  // out of step with the header
-            out.push_back(slot);
         }
         return out;
     }();
