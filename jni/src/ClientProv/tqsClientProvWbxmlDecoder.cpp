@@ -1,15 +1,21 @@
 // WBXML provisioning decoder: byte reader, header and string table, token
 // machinery, characteristic decoding, parm values and parm handlers.
 //
-// The body copy always has zero bytes behind it (the buffer grows on the first append), so
-// zero-terminated scans stop inside the storage; every other read is bounded by the body's data size.
+// Every reader takes the body's bytes through the cursor of
+// tqsClientProvWbxmlDecoderState.h: byte reads stop at the body's end, and
+// only the zero-terminated scans and opaque values run on into the zero
+// padding behind it, never past the storage. The tokens and value tables are
+// in tqsClientProvWbxmlTokens.h, what each characteristic and parm handler is
+// in tqsClientProvWbxmlHandlers.h.
 #include "tqsClientProvWbxmlDecoder.h"
 
 #include <stddef.h>
 #include <string.h>
 
 #include "smlbuffer.h"
-#include "tqsClientProvFields.h"
+#include "tqsClientProvWbxmlDecoderState.h"
+#include "tqsClientProvWbxmlHandlers.h"
+#include "tqsClientProvWbxmlTokens.h"
 #include "tqslist.h"
 #include "tqsmemory.h"
 #include "tqsstring.h"
@@ -17,193 +23,81 @@
 
 static const char kUnitPath[] = "jni/src/ClientProv/tqsClientProvWbxmlDecoder";
 
+using namespace tqs::wbxml;
+
 namespace {
 
-constexpr uint8_t kTokSwitchPage = 0x00;
-constexpr uint8_t kTokEnd = 0x01;
-constexpr uint8_t kTokStrI = 0x03;
-constexpr uint8_t kTokEntity = 0x04;  // stop byte when skipping attributes
-constexpr uint8_t kTokValue = 0x06;   // parm value attribute; same byte as a bare characteristic tag
-constexpr uint8_t kTokExtI0 = 0x80;   // stop byte when skipping attributes
-constexpr uint8_t kTokStrT = 0x83;
-constexpr uint8_t kTokOpaque = 0xC3;
-constexpr uint8_t kTokNameAttr = 0x05;
-constexpr uint8_t kTokComma = 0x90;
-
-constexpr uint8_t kIdMask = 0x3F;
-constexpr uint8_t kIdWapDoc = 0x05;
-constexpr uint8_t kIdCharacteristic = 0x06;
-constexpr uint8_t kIdParm = 0x07;
-
-constexpr uint8_t kAttrVersion = 0x45;
-constexpr uint8_t kAttrVersion10 = 0x46;
-constexpr uint8_t kAttrTypeInline = 0x50;
-
-constexpr uint32_t kProvPublicId = 0x0B;
-constexpr char kProvPublicIdText[] = "-//WAPFORUM//DTD PROV 1.0//EN";
+// Allocation lines that the leak report and the exception traces show.
+constexpr uint32_t kLineJoin = 124;
+constexpr uint32_t kLineStrTable = 261;
+constexpr uint32_t kLineOpaque = 548;
+constexpr uint32_t kLineRawToken = 606;
+constexpr uint32_t kLineCommaJoin = 631;
+constexpr uint32_t kLineTokenJoin = 653;
+constexpr uint32_t kLineSlotRecord = 848;
+constexpr uint32_t kLineWapDoc = 906;
+constexpr uint32_t kLineCharacter = 1065;
+constexpr uint32_t kLineStartPage = 1516;
+constexpr uint32_t kLineAppScratch = 1630;
 
 // Real documents nest three levels; deeper input is refused so the stack stays bounded.
 constexpr uint32_t kMaxCharacterDepth = 32;
 
-// ---- Position helpers ------------------------------------------------------
-
-inline SmlBuffer *Buf(tqsWbxmlDecoder *ptDecoder) {
-    return ptDecoder->ptBuffer;
-}
-
-inline uint32_t Consumed(const tqsWbxmlDecoder *ptDecoder) {
-    return static_cast<uint32_t>(ptDecoder->ptBuffer->pHead - ptDecoder->ptBuffer->pBase);
-}
-
-// Body bytes not yet consumed.
-inline uint32_t Remaining(const tqsWbxmlDecoder *ptDecoder) {
-    uint32_t nUsed = Consumed(ptDecoder);
-    return nUsed < ptDecoder->ptBuffer->nDataSize ? ptDecoder->ptBuffer->nDataSize - nUsed : 0;
-}
-
-inline bool PeekByte(tqsWbxmlDecoder *ptDecoder, uint8_t *pnByte) {
-    if (Remaining(ptDecoder) == 0) return false;
-    *pnByte = *Buf(ptDecoder)->pHead;
-    return true;
-}
-
-inline void StepBack(tqsWbxmlDecoder *ptDecoder) {
-    if (Buf(ptDecoder)->pHead > Buf(ptDecoder)->pBase) --Buf(ptDecoder)->pHead;
-}
-
-// Bytes of the body and its zero padding in a buffer created at the body's
-// size and filled by one append, which grows it by the size + 256 (at least
-// 512), with the zero at pEnd. The decoder's buffer is created one byte
-// larger and never grows, so readers take the padding past it as zeros.
-inline uint64_t PaddedSize(const tqsWbxmlDecoder *ptDecoder) {
-    uint64_t nBody = ptDecoder->ptBuffer->nDataSize;
-    uint64_t nGrowth = nBody + 256 < 512 ? 512 : nBody + 256;
-    return nBody == 0 ? 1 : nBody + nGrowth + 1;
-}
-
-// Moves the position forward by n, never past the zero that ends the storage.
-inline void Advance(tqsWbxmlDecoder *ptDecoder, uint32_t n) {
-    SmlBuffer *ptBuf = Buf(ptDecoder);
-    uint32_t nRoom = ptBuf->pHead <= ptBuf->pEnd ? static_cast<uint32_t>(ptBuf->pEnd - ptBuf->pHead) + 1 : 0;
-    ptBuf->pHead += n < nRoom ? n : nRoom;
-}
-
 // ---- Text joining ------------------------------------------------------------
-
-enum class Join : uint8_t { kAppend, kComma, kHidden };
 
 inline uint32_t TextLen(const char *psz) {
     return psz != nullptr ? static_cast<uint32_t>(strlen(psz)) : 0;
 }
 
-// *ppszText becomes a new block: old text, separator, nAddLen bytes of pAdd.
-// kHidden leaves the separator byte zero, so the addition lies behind the
-// terminator. Returns false (text untouched) when the allocation fails.
-// A text that a list parm has already placed in its list while it reads
-// another value into the same text (see ParamListString): joining must not free it.
-const char *g_pszListedText = nullptr;
-
-// Bytes the joins of the current decode have copied so far. Every join
-// copies the whole text, so a document that keeps extending one value
-// (repeated parms, long runs of string-table references) would cost time and
-// memory quadratic in its size: past kJoinBudget a join fails the way a failed
-// allocation does. A first copy is no join and is not counted. Real documents
-// join a few kilobytes. Reset by each decode.
+// Every join copies the whole text, so a document that keeps extending one
+// value (repeated parms, long runs of string-table references) would cost
+// time and memory quadratic in its size: past kJoinBudget bytes copied by the
+// joins of one decode a join fails the way a failed allocation does. A first
+// copy is no join and is not counted. Real documents join a few kilobytes.
 constexpr uint64_t kJoinBudget = uint64_t{16} << 20;
-uint64_t g_nJoinBytes = 0;
 
-bool JoinText(char **ppszText, const char *pAdd, uint32_t nAddLen, Join eJoin) {
+// *ppszText becomes a new block: old text, separator, nAddLen bytes of pAdd;
+// the old block is freed unless a list holds it (JoinState). Returns false
+// (text untouched) when the allocation fails or the budget is spent. Without
+// a join state (a value-token lookup called outside a decode) nothing is
+// counted and nothing is listed.
+[[nodiscard]] bool JoinText(JoinState *ptJoin, char **ppszText, const char *pAdd, uint32_t nAddLen,
+                            Join eJoin) {
     char *pszOld = *ppszText;
     uint32_t nOld = TextLen(pszOld);
     uint32_t nSep = (pszOld != nullptr && eJoin != Join::kAppend) ? 1 : 0;
     const uint64_t nNew = uint64_t{nOld} + nSep + nAddLen + 1;
-    if (pszOld != nullptr) {
-        if (g_nJoinBytes + nNew > kJoinBudget) return false;
-        g_nJoinBytes += nNew;
+    if (pszOld != nullptr && ptJoin != nullptr) {
+        if (ptJoin->nBytes + nNew > kJoinBudget) return false;
+        ptJoin->nBytes += nNew;
     }
-    char *pszNew = static_cast<char *>(tqsMemAlloc_debug(static_cast<uint32_t>(nNew), kUnitPath, __LINE__));
+    char *pszNew = static_cast<char *>(tqsMemAlloc_debug(static_cast<uint32_t>(nNew), kUnitPath, kLineJoin));
     if (pszNew == nullptr) return false;
     if (nOld != 0) memcpy(pszNew, pszOld, nOld);
     if (nSep != 0) pszNew[nOld] = eJoin == Join::kComma ? ',' : '\0';
     if (nAddLen != 0) memcpy(pszNew + nOld + nSep, pAdd, nAddLen);
     pszNew[nOld + nSep + nAddLen] = '\0';
-    if (pszOld != g_pszListedText) tqsMemFree_debug(pszOld);
+    if (ptJoin == nullptr || pszOld != ptJoin->pszListedText) tqsMemFree_debug(pszOld);
     *ppszText = pszNew;
     return true;
 }
 
-// ---- Value-token tables ----------------------------------------------------
-
-struct ValueToken {
-    uint8_t nToken;
-    const char *pszText;
-};
-
-// Stored entries; only the first kScan* of each are reached by the lookup.
-constexpr ValueToken kAddrTypes[] = {
-    {0x85, "IPV4"},  {0x86, "IPV6"},       {0x87, "E164"}, {0x88, "ALPHA"},  {0x89, "APN"},
-    {0x8A, "SCODE"}, {0x8B, "TETRA-ITSI"}, {0x8C, "MAN"},  {0x93, "DIGEST"},
-};
-constexpr ValueToken kAuthTypes[] = {
-    {0x9A, "PAP"},     {0x9B, "CHAP"}, {0x9C, "HTTP-BASIC"}, {0x9D, "HTTP-DIGEST"},
-    {0x9E, "WTLS_SS"}, {0x9F, "MD5"},  {0x91, "HTTP"},
-};
-constexpr ValueToken kAppAuthTypes[] = {
-    {0x91, "HTTP"}, {0x92, "BASIC"}, {0x93, "DIGEST"}, {0x86, "IPV6"},
-    {0x87, "E164"}, {0x88, "ALPHA"}, {0x8D, "APPSRV"}, {0x8E, "OBEX"},
-};
-constexpr ValueToken kCallTypes[] = {
-    {0x90, "ANALOG-MODEM"},    {0x91, "V.120"},
-    {0x92, "V.110"},           {0x93, "X.31"},
-    {0x94, "BIT-TRANSPARENT"}, {0x95, "DIRECT-ASYNCHRONOUS-DATA-SERVICE"},
-    {0xCA, "CL-WSP"},          {0xCB, "CO-WSP"},
-    {0xCC, "CL-SEC-WSP"},      {0xCD, "CO-SEC-WSP"},
-    {0xCE, "CL-SEC-WTA"},      {0xCF, "CO-SEC-WTA"},
-    {0xD0, "OTA-HTTP-TO"},     {0xD1, "OTA-HTTP-TLS-TO"},
-    {0xD2, "OTA-HTTP-PO"},     {0xD3, "OTA-HTTP-TLS-PO"},
-};
-
-struct ValueTable {
-    const ValueToken *ptEntries;
-    uint8_t nScan;  // positions the lookup reaches
-    Join eJoin;
-};
-
-constexpr ValueTable kValueTables[] = {
-    {kAddrTypes, 8, Join::kAppend},
-    {kAuthTypes, 7, Join::kComma},
-    {kAppAuthTypes, 3, Join::kComma},
-    {kCallTypes, 7, Join::kHidden},
-};
-constexpr size_t kValueTableCount = sizeof(kValueTables) / sizeof(kValueTables[0]);
-
-struct ValueHit {
-    uint8_t nTable;  // 0: not a known value token; else table index + 1
-    uint8_t nEntry;
-};
-
-struct ValueIndex {
-    ValueHit at[256];
-};
-
-// Resolves every byte once, in the lookup's own order: position by position,
-// tables A, B, C, D at each position, first match wins (so 0x91 is "HTTP").
-constexpr ValueIndex BuildValueIndex() {
-    ValueIndex tIndex{};
-    for (uint8_t i = 0; i < 8; ++i) {
-        for (size_t t = 0; t < kValueTableCount; ++t) {
-            if (i >= kValueTables[t].nScan) continue;
-            ValueHit &tHit = tIndex.at[kValueTables[t].ptEntries[i].nToken];
-            if (tHit.nTable == 0) tHit = ValueHit{static_cast<uint8_t>(t + 1), i};
-        }
+// tqsClientProvWbxmlDecoderGetParamTokenVal with the decode's join state.
+[[nodiscard]] TqsResult TokenValue(JoinState *ptJoin, uint8_t nToken, char **ppszValue) {
+    tqcTrace("tqsClientProvWbxmlDecoderGetParamTokenVal");
+    const ValueHit tHit = kValueIndex.at[nToken];
+    if (tHit.nTable == 0) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
+    const ValueTable &tTable = kValueTables[tHit.nTable - 1];
+    const char *pszText = tTable.ptEntries[tHit.nEntry].pszText;
+    if (!JoinText(ptJoin, ppszValue, pszText, TextLen(pszText), tTable.eJoin)) {
+        // Reported, and still "found": the value stays as it was.
+        tqcTraceExcption("[Error] [tqsClientProvWbxmlDecoderGetParamTokenVal] pszData NULL", kUnitPath,
+                         kLineTokenJoin);
     }
-    return tIndex;
+    return TQS_OK;
 }
-constexpr ValueIndex kValueIndex = BuildValueIndex();
-static_assert(kValueIndex.at[0x91].nTable == 3, "0x91 reads as HTTP");
-static_assert(kValueIndex.at[0xCB].nTable == 0, "CO-WSP lies beyond the scan");
 
-TqsResult SkipTwoBytes(tqsWbxmlDecoder *ptDecoder) {
+[[nodiscard]] TqsResult SkipTwoBytes(tqsWbxmlDecoder *ptDecoder) {
     uint8_t nId;
     TqsResult nRet = tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nId);
     if (nRet == TQS_OK) nRet = tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nId);
@@ -211,7 +105,7 @@ TqsResult SkipTwoBytes(tqsWbxmlDecoder *ptDecoder) {
 }
 
 // Consumes an inline string standing between elements and drops it.
-TqsResult DropInlineString(tqsWbxmlDecoder *ptDecoder) {
+[[nodiscard]] TqsResult DropInlineString(tqsWbxmlDecoder *ptDecoder) {
     uint8_t nId;
     TqsResult nRet = tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nId);
     if (nRet != TQS_OK) return nRet;
@@ -226,20 +120,19 @@ TqsResult DropInlineString(tqsWbxmlDecoder *ptDecoder) {
 // ---- Byte level --------------------------------------------------------------
 
 extern "C" uint32_t tqsClientProvWbxmlDecoderDecodingSize(tqsWbxmlDecoder *ptDecoder) {
-    return Consumed(ptDecoder);
+    return Consumed(CursorOf(ptDecoder));
 }
 
 extern "C" int tqsClientProvWbxmlDecoderBufferReadByte(tqsWbxmlDecoder *ptDecoder, unsigned char *pnByte) {
-    if (Remaining(ptDecoder) == 0) return 0;
-    *pnByte = *Buf(ptDecoder)->pHead++;
-    return 1;
+    return Take(CursorOf(ptDecoder), pnByte) ? 1 : 0;
 }
 
 extern "C" int tqsClientProvWbxmlDecoderBufferReadUint32(tqsWbxmlDecoder *ptDecoder, uint32_t *pnValue) {
+    const Cursor c = CursorOf(ptDecoder);
     uint32_t nValue = 0;
     for (int i = 0; i < 5; ++i) {
-        unsigned char nByte;
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) return 0;
+        uint8_t nByte;
+        if (!Take(c, &nByte)) return 0;
         nValue = (nValue << 7) | (nByte & 0x7Fu);
         if ((nByte & 0x80) == 0) {
             *pnValue = nValue;
@@ -255,15 +148,17 @@ extern "C" uint32_t tqsClientProvWbxmlDecoderMakeStrTable(tqsWbxmlDecoder *ptDec
     if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, &nLength)) return 0xFFFFFFFFu;
     // A table longer than the rest of the body cannot be read whole; sizing the
     // block by what remains keeps length + 2 from wrapping into a short block.
-    uint32_t nAvail = Remaining(ptDecoder);
-    uint32_t nCopy = nLength < nAvail ? nLength : nAvail;
+    const Cursor c = CursorOf(ptDecoder);
+    const uint32_t nAvail = Left(c);
+    const uint32_t nCopy = nLength < nAvail ? nLength : nAvail;
     unsigned char *pTable =
-        static_cast<unsigned char *>(tqsMemAllocSetZero_debug(nCopy + 2, kUnitPath, __LINE__));
+        static_cast<unsigned char *>(tqsMemAllocSetZero_debug(nCopy + 2, kUnitPath, kLineStrTable));
     *ppTable = pTable;
     ptDecoder->nStrTableBytes = pTable != nullptr ? nCopy + 2 : 0;
     if (pTable == nullptr) return 0xFFFFFFFFu;
-    memcpy(pTable, Buf(ptDecoder)->pHead, nCopy);
-    Buf(ptDecoder)->pHead += nCopy;
+    uint32_t nTaken;
+    const unsigned char *pBytes = TakeUpTo(c, nCopy, &nTaken);
+    memcpy(pTable, pBytes, nTaken);
     return nCopy == nLength ? nLength : 0xFFFFFFFFu;
 }
 
@@ -276,41 +171,41 @@ extern "C" int tqsClientProvWbxmlDecoderGetStrTable(tqsWbxmlDecoder *ptDecoder, 
     const char *pszEntry = "";
     if (nIndex < ptDecoder->nStrTableBytes)
         pszEntry = reinterpret_cast<const char *>(ptDecoder->pStringTable) + nIndex;
-    if (!JoinText(ppszText, pszEntry, TextLen(pszEntry), Join::kAppend)) {
+    if (!JoinText(JoinOf(ptDecoder), ppszText, pszEntry, TextLen(pszEntry), Join::kAppend)) {
+        // The inline reader's line, shared on purpose: the system traces it so.
         tqcTrace("[Error] [tqsClientProvWbxmlDecoderGetStr] pszData NULL");
         return 0;
     }
     return 1;
 }
 
+namespace {
+
+// One mb_u_int32 of the header, traced under its name; false after the error line.
+[[nodiscard]] bool HeaderInt(tqsWbxmlDecoder *ptDecoder, const char *pszName, uint32_t *pnValue) {
+    if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, pnValue)) {
+        tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlHeader] %s", pszName);
+        return false;
+    }
+    tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] %s [0x%x]", pszName, *pnValue);
+    return true;
+}
+
+}  // namespace
+
 extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlHeader(tqsWbxmlDecoder *ptDecoder, uint8_t *pnVersion,
                                                           uint32_t *pnPublicid, uint32_t *pnCharset) {
     tqcTrace("tqsClientProvWbxmlDecoderWbxmlHeader");
-    unsigned char nVersion;
-    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nVersion)) {
+    if (!Take(CursorOf(ptDecoder), pnVersion)) {
         tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlHeader] pnVersion");
         return TQS_ERROR_WBXML_NO_MORE_DATA;
     }
-    *pnVersion = nVersion;
-    tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] pnVersion [0x%x]", nVersion);
-    if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, pnPublicid)) {
-        tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlHeader] pnPublicid");
-        return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
-    }
-    tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] pnPublicid [0x%x]", *pnPublicid);
-    if (*pnPublicid == 0) {
-        uint32_t nTemp;  // index of the literal public id; the check reads the table start
-        if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, &nTemp)) {
-            tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlHeader] nTemp");
-            return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
-        }
-        tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] nTemp [0x%x]", nTemp);
-    }
-    if (!tqsClientProvWbxmlDecoderBufferReadUint32(ptDecoder, pnCharset)) {
-        tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlHeader] pnCharset");
-        return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
-    }
-    tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] pnCharset [0x%x]", *pnCharset);
+    tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] pnVersion [0x%x]", *pnVersion);
+    if (!HeaderInt(ptDecoder, "pnPublicid", pnPublicid)) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
+    // A literal public id: its index is read and forgotten, the check reads the table's start.
+    uint32_t nTemp;
+    if (*pnPublicid == 0 && !HeaderInt(ptDecoder, "nTemp", &nTemp)) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
+    if (!HeaderInt(ptDecoder, "pnCharset", pnCharset)) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
     ptDecoder->nStrSize = tqsClientProvWbxmlDecoderMakeStrTable(ptDecoder, &ptDecoder->pStringTable);
     tqcTrace("[tqsClientProvWbxmlDecoderWbxmlHeader] ptWbxmlDecoder->nStrSize [0x%x]", ptDecoder->nStrSize);
     return TQS_OK;
@@ -319,6 +214,8 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlHeader(tqsWbxmlDecoder *ptDec
 extern "C" TqsResult tqsClientProvWbxmlDecoderCheckCodePage(tqsWbxmlDecoder *ptDecoder) {
     tqcTrace("tqsClientProvWbxmlDecoderCheckCodePage");
     uint8_t nToken, nPage;
+    // Through the element reader: the page byte is masked and the content and
+    // attribute flags are reset from it. A failed read is a bad page (0x1005).
     if (tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nToken) != TQS_OK ||
         tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nPage) != TQS_OK) {
         return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
@@ -345,7 +242,9 @@ extern "C" TqsResult tqsClientProvWbxmlDecoder(tqsWbxmlDecoder *ptDecoder, tqsWa
         pptWapDoc == nullptr) {
         nRet = TQS_ERROR_MISSING;
     } else {
-        tqsClientProvWbxmlDecoderWbxmlHeader(ptDecoder, &nVersion, &nPublicid, &nCharset);  // status ignored
+        // A header that fails part-way leaves the public id as read (0 if
+        // nothing): the check below refuses what matters.
+        (void)tqsClientProvWbxmlDecoderWbxmlHeader(ptDecoder, &nVersion, &nPublicid, &nCharset);
         bool bMismatch;
         if (nPublicid != 0) {
             tqcTrace("nPublicid[%ld], Avaliable Id:%ld\n", static_cast<long>(nPublicid),
@@ -373,8 +272,8 @@ extern "C" TqsResult tqsClientProvWbxmlDecoder(tqsWbxmlDecoder *ptDecoder, tqsWa
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderReadElement(tqsWbxmlDecoder *ptDecoder, uint8_t *pnId) {
     tqcTrace("tqsClientProvWbxmlDecoderReadElement");
-    unsigned char nByte;
-    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    uint8_t nByte;
+    if (!Take(CursorOf(ptDecoder), &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     ptDecoder->bHasContent = (nByte & 0x40) != 0;
     ptDecoder->bHasAttribute = (nByte & 0x80) != 0;
     *pnId = nByte & kIdMask;
@@ -384,7 +283,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderReadElement(tqsWbxmlDecoder *ptDec
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderCurElement(tqsWbxmlDecoder *ptDecoder, uint8_t *pnId) {
     uint8_t nTemp;
-    if (!PeekByte(ptDecoder, &nTemp)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    if (!Peek(CursorOf(ptDecoder), &nTemp)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     *pnId = nTemp & kIdMask;
     tqcTrace("[CP_DBG]tqsClientProvWbxmlDecoderCurElement: nId:[0x%02x], nTemp:[0x%02x] ", *pnId, nTemp);
     return TQS_OK;
@@ -392,7 +291,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCurElement(tqsWbxmlDecoder *ptDeco
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderCurElementNotAND(tqsWbxmlDecoder *ptDecoder, uint8_t *pnByte) {
     uint8_t nTemp;
-    if (!PeekByte(ptDecoder, &nTemp)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    if (!Peek(CursorOf(ptDecoder), &nTemp)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     *pnByte = nTemp;
     tqcTrace("[CP_DBG]tqsClientProvWbxmlDecoderCurElementNotAND: nId:[0x%02x], nTemp:[0x%02x] ", nTemp,
              nTemp);
@@ -411,42 +310,42 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCheckElement(tqsWbxmlDecoder *ptDe
     // A content-less tag also takes an END standing right after it, whoever owns it.
     if (!ptDecoder->bHasContent && tqsClientProvWbxmlDecoderCurElement(ptDecoder, &nId) == TQS_OK &&
         nId == kTokEnd) {
-        unsigned char nByte;
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+        uint8_t nByte;
+        if (!Take(CursorOf(ptDecoder), &nByte))
             tqcTrace("[ERROR] tqsClientProvWbxmlDecoderBufferReadByte Fail");
-        }
     }
     return TQS_OK;
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderSkipElement(tqsWbxmlDecoder *ptDecoder, uint8_t /*nToken*/) {
+    const Cursor c = CursorOf(ptDecoder);
     TqsResult nRet = TQS_OK;
     int64_t nDepth = 0;
-    unsigned char nByte;
+    uint8_t nByte;
     for (;;) {
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+        if (!Take(c, &nByte)) {
             nRet = TQS_ERROR_WBXML_NO_MORE_DATA;
             break;
         }
         if (nByte == kTokSwitchPage) {
-            if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+            if (!Take(c, &nByte)) {
                 nRet = TQS_ERROR_WBXML_NO_MORE_DATA;
                 break;
             }
         } else if (nByte == kTokEnd) {
             if (--nDepth == 0) {
-                StepBack(ptDecoder);
+                Back(c);
                 // Land on the END left unread (stepping over page switches).
                 for (;;) {
-                    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+                    if (!Take(c, &nByte)) {
                         nRet = TQS_ERROR_WBXML_NO_MORE_DATA;
                         break;
                     }
                     if (nByte != kTokSwitchPage) {
-                        StepBack(ptDecoder);
+                        Back(c);
                         break;
                     }
-                    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+                    if (!Take(c, &nByte)) {
                         nRet = TQS_ERROR_WBXML_NO_MORE_DATA;
                         break;
                     }
@@ -454,13 +353,13 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderSkipElement(tqsWbxmlDecoder *ptDec
                 break;
             }
         } else if (nByte == kTokStrI || nByte == kTokStrT || nByte == kTokOpaque) {
-            StepBack(ptDecoder);
+            Back(c);
             char *pszScratch = nullptr;
             nRet = tqsClientProvWbxmlDecoderContent(ptDecoder, &pszScratch);
             tqsMemFree_debug(pszScratch);
             if (nRet != TQS_OK) break;
         } else {
-            ++nDepth;
+            ++nDepth;  // attribute bytes count as levels too: a crude balance, kept
         }
     }
     tqcTrace("tqsClientProvWbxmlDecoderSkipElement Error Code:%d", static_cast<int>(nRet));
@@ -475,8 +374,8 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderElement(tqsWbxmlDecoder *ptDecoder
     if (!ptDecoder->bHasContent) return TQS_OK;
     nRet = tqsClientProvWbxmlDecoderContent(ptDecoder, ppszText);
     if (nRet == TQS_OK) {
-        unsigned char nByte;
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+        uint8_t nByte;
+        if (!Take(CursorOf(ptDecoder), &nByte)) {
             nRet = TQS_ERROR_WBXML_NO_MORE_DATA;
         } else if (nByte != kTokEnd) {
             nRet = TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
@@ -487,11 +386,11 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderElement(tqsWbxmlDecoder *ptDecoder
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderReadAttr(tqsWbxmlDecoder *ptDecoder, uint8_t *pnByte) {
-    return tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, pnByte) ? TQS_OK : TQS_ERROR_WBXML_NO_MORE_DATA;
+    return Take(CursorOf(ptDecoder), pnByte) ? TQS_OK : TQS_ERROR_WBXML_NO_MORE_DATA;
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderCurAttr(tqsWbxmlDecoder *ptDecoder, uint8_t *pnByte) {
-    return PeekByte(ptDecoder, pnByte) ? TQS_OK : TQS_ERROR_WBXML_NO_MORE_DATA;
+    return Peek(CursorOf(ptDecoder), pnByte) ? TQS_OK : TQS_ERROR_WBXML_NO_MORE_DATA;
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderCheckAttr(tqsWbxmlDecoder *ptDecoder, uint8_t nAttr) {
@@ -507,26 +406,26 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCheckAttr(tqsWbxmlDecoder *ptDecod
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderSkipAttribute(tqsWbxmlDecoder *ptDecoder) {
-    unsigned char nByte;
+    const Cursor c = CursorOf(ptDecoder);
+    uint8_t nByte;
     do {
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+        if (!Take(c, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     } while (nByte != kTokEntity && nByte != kTokExtI0 && nByte != kTokEnd);
     return TQS_OK;
 }
 
 extern "C" int tqsClientProvWbxmlDecoderGetStr(tqsWbxmlDecoder *ptDecoder, char **ppszText) {
     tqcTrace("tqsClientProvWbxmlDecoderGetStr");
-    SmlBuffer *ptBuf = Buf(ptDecoder);
-    // The scan may run past the body into the zero padding, never past pEnd (a zero).
-    uint32_t nRoom = ptBuf->pHead <= ptBuf->pEnd ? static_cast<uint32_t>(ptBuf->pEnd - ptBuf->pHead) + 1 : 0;
-    const char *pszStart = reinterpret_cast<const char *>(ptBuf->pHead);
-    const void *pZero = nRoom != 0 ? memchr(pszStart, 0, nRoom) : nullptr;
-    uint32_t nLen = pZero != nullptr ? static_cast<uint32_t>(static_cast<const char *>(pZero) - pszStart) : 0;
-    if (!JoinText(ppszText, pszStart, nLen, Join::kAppend)) {
+    // The text may run on into the zero padding behind the body; the position
+    // may so pass the body's end, and the next read then fails.
+    const Cursor c = CursorOf(ptDecoder);
+    uint32_t nLen;
+    const char *pszText = ScanToZero(c, &nLen);
+    if (!JoinText(JoinOf(ptDecoder), ppszText, pszText, nLen, Join::kAppend)) {
         tqcTrace("[Error] [tqsClientProvWbxmlDecoderGetStr] pszData NULL");
         return 0;
     }
-    Advance(ptDecoder, nLen + 1);
+    Skip(c, nLen + 1);
     return 1;
 }
 
@@ -540,26 +439,29 @@ extern "C" int tqsClientProvWbxmlDecoderGetStrExtension(tqsWbxmlDecoder *ptDecod
     // block, zeros for the padding (the position then stops at the end of the
     // storage, past every read). One that would leave the padding is cut to
     // the body's bytes.
-    uint32_t nAvail = Remaining(ptDecoder);
-    uint32_t nCopy = nLength < nAvail ? nLength : nAvail;
-    bool bPadded =
-        nLength <= UINT32_MAX - 2 && uint64_t{Consumed(ptDecoder)} + nLength <= PaddedSize(ptDecoder);
-    uint32_t nSize = bPadded ? nLength : nCopy;
-    char *pszData = static_cast<char *>(tqsMemAllocSetZero_debug(nSize + 2, kUnitPath, __LINE__));
+    const Cursor c = CursorOf(ptDecoder);
+    const uint32_t nAvail = Left(c);
+    const uint32_t nCopy = nLength < nAvail ? nLength : nAvail;
+    const bool bPadded = nLength <= UINT32_MAX - 2 && uint64_t{Consumed(c)} + nLength <= PaddedSize(c);
+    const uint32_t nSize = bPadded ? nLength : nCopy;
+    char *pszData = static_cast<char *>(tqsMemAllocSetZero_debug(nSize + 2, kUnitPath, kLineOpaque));
     if (pszData == nullptr) return 0;
-    memcpy(pszData, Buf(ptDecoder)->pHead, nCopy);
-    *ppszText = pszData;
-    Advance(ptDecoder, nSize);
+    uint32_t nTaken;
+    const unsigned char *pBytes = TakeUpTo(c, nCopy, &nTaken);
+    memcpy(pszData, pBytes, nTaken);
+    Skip(c, nSize - nTaken);
+    *ppszText = pszData;  // an earlier text is overwritten, neither freed nor joined
     return 1;
 }
 
 extern "C" int tqsClientProvWbxmlDecoderGetString(tqsWbxmlDecoder *ptDecoder, char **ppszText) {
     tqcTrace("tqsClientProvWbxmlDecoderGetString");
-    StepBack(ptDecoder);
+    const Cursor c = CursorOf(ptDecoder);
+    Back(c);  // the token that brought the caller here is read again
     int nRet;
     for (;;) {
-        unsigned char nByte;
-        if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) {
+        uint8_t nByte;
+        if (!Take(c, &nByte)) {
             nRet = 0;
             break;
         }
@@ -574,22 +476,24 @@ extern "C" int tqsClientProvWbxmlDecoderGetString(tqsWbxmlDecoder *ptDecoder, ch
                 break;
             }
         } else if (nByte == kTokEnd || nByte == kTokValue) {
-            StepBack(ptDecoder);
+            Back(c);
             nRet = 1;
             break;
-        } else if (tqsClientProvWbxmlDecoderGetParamTokenVal(nByte, ppszText) != TQS_OK) {
+        } else if (TokenValue(JoinOf(ptDecoder), nByte, ppszText) != TQS_OK) {
             nRet = 0;
             break;
         }
     }
+    // "[Error]" on success too: the system's own line.
     tqcTrace("[Error] [tqsClientProvWbxmlDecoderGetString] nRet [%d]", nRet);
     return nRet;
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderContent(tqsWbxmlDecoder *ptDecoder, char **ppszText) {
     tqcTrace("tqsClientProvWbxmlDecoderContent");
-    unsigned char nByte;
-    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    const Cursor c = CursorOf(ptDecoder);
+    uint8_t nByte;
+    if (!Take(c, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     TqsResult nRet;
     if (nByte == kTokStrI || nByte == kTokStrT) {
         nRet =
@@ -599,19 +503,17 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderContent(tqsWbxmlDecoder *ptDecoder
         nRet = tqsClientProvWbxmlDecoderGetStrExtension(ptDecoder, nByte, ppszText, &nLength)
                    ? TQS_OK
                    : TQS_ERROR_WBXML_NO_MORE_DATA;
-    } else if (tqsClientProvWbxmlDecoderGetParamTokenVal(nByte, ppszText) == TQS_OK) {
+    } else if (TokenValue(JoinOf(ptDecoder), nByte, ppszText) == TQS_OK) {
         return TQS_OK;
     } else if (nByte >= 0x80) {
         // An unknown value token is kept as its one raw byte.
-        char *pszRaw = static_cast<char *>(tqsMemAllocSetZero_debug(2, kUnitPath, __LINE__));
+        char *pszRaw = static_cast<char *>(tqsMemAllocSetZero_debug(2, kUnitPath, kLineRawToken));
         if (pszRaw != nullptr) pszRaw[0] = static_cast<char>(nByte);
         *ppszText = pszRaw;
         nRet = TQS_OK;
     } else {
-        uint32_t nUsed = Consumed(ptDecoder);
-        uint8_t nTag = nUsed >= 2 ? Buf(ptDecoder)->pHead[-2] : 0;
-        tqcTrace("WARNING!!!!!!!! Not Support Type Numberic nTag=[%x]", nTag);
-        StepBack(ptDecoder);
+        tqcTrace("WARNING!!!!!!!! Not Support Type Numberic nTag=[%x]", Behind(c, 2));
+        Back(c);
         nRet = tqsClientProvWbxmlDecoderSkipElement(ptDecoder, nByte);
     }
     tqcTrace("tqsClientProvWbxmlDecoderContent Error:%d", static_cast<int>(nRet));
@@ -619,40 +521,33 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderContent(tqsWbxmlDecoder *ptDecoder
 }
 
 extern "C" TqsResult tqsCommaAdd(tqsWbxmlDecoder *ptDecoder, char **ppszText) {
-    unsigned char nByte;
-    if (!tqsClientProvWbxmlDecoderBufferReadByte(ptDecoder, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
-    if (!PeekByte(ptDecoder, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    const Cursor c = CursorOf(ptDecoder);
+    uint8_t nByte;
+    if (!Take(c, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
+    if (!Peek(c, &nByte)) return TQS_ERROR_WBXML_NO_MORE_DATA;
     if (nByte == kTokSwitchPage) {
-        tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // status ignored
+        (void)tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // a bad page is not this join's concern
     } else if (nByte == kTokStrI || nByte == kTokStrT) {
         // A missing first value joins as empty text.
-        if (!JoinText(ppszText, ",", 1, Join::kAppend)) {
+        if (!JoinText(JoinOf(ptDecoder), ppszText, ",", 1, Join::kAppend)) {
             tqcTraceExcption("[Error] [tqsClientProvWbxmlDecoderGetParamTokenVal] pszData NULL", kUnitPath,
-                             __LINE__);
+                             kLineCommaJoin);
             return TQS_ERROR_MEMORY;
         }
         return tqsClientProvWbxmlDecoderContent(ptDecoder, ppszText);
     }
     // The byte at the position is taken even when the body has ended (the zero padding).
-    nByte = Remaining(ptDecoder) != 0 ? *Buf(ptDecoder)->pHead : 0;
-    tqsClientProvWbxmlDecoderGetParamTokenVal(nByte, ppszText);
-    Advance(ptDecoder, 1);
+    nByte = 0;
+    (void)Peek(c, &nByte);
+    (void)TokenValue(JoinOf(ptDecoder), nByte, ppszText);  // an unknown byte leaves the text as it is
+    Skip(c, 1);
     return TQS_OK;
 }
 
 // ---- Parm values -------------------------------------------------------------
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderGetParamTokenVal(uint8_t nToken, char **ppszValue) {
-    tqcTrace("tqsClientProvWbxmlDecoderGetParamTokenVal");
-    const ValueHit tHit = kValueIndex.at[nToken];
-    if (tHit.nTable == 0) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
-    const ValueTable &tTable = kValueTables[tHit.nTable - 1];
-    const char *pszText = tTable.ptEntries[tHit.nEntry].pszText;
-    if (!JoinText(ppszValue, pszText, TextLen(pszText), tTable.eJoin)) {
-        tqcTraceExcption("[Error] [tqsClientProvWbxmlDecoderGetParamTokenVal] pszData NULL", kUnitPath,
-                         __LINE__);
-    }
-    return TQS_OK;
+    return TokenValue(nullptr, nToken, ppszValue);
 }
 
 extern "C" TqsResult tqsClientProvWbxmlDecoderParamValue(tqsWbxmlDecoder *ptDecoder, char **ppszField) {
@@ -663,7 +558,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamValue(tqsWbxmlDecoder *ptDeco
     nRet = tqsClientProvWbxmlDecoderCurAttr(ptDecoder, &nId);
     if (nRet != TQS_OK) return nRet;
     if (nId == kTokSwitchPage) {
-        tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // status ignored
+        (void)tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // the peek after it tells
         nRet = tqsClientProvWbxmlDecoderCurElement(ptDecoder, &nId);
         if (nRet != TQS_OK) return nRet;
     }
@@ -688,7 +583,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamString(tqsWbxmlDecoder *ptDec
     } else if (nId == kTokValue) {
         nRet = tqsClientProvWbxmlDecoderParamValue(ptDecoder, ppszField);
     } else if (nId == kTokSwitchPage) {
-        tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // status ignored
+        (void)tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);  // the value read after it tells
         nRet = tqsClientProvWbxmlDecoderParamValue(ptDecoder, ppszField);
     } else {
         tqcTrace("DecoderParam : Tag Code [%d] = TQS_ERROR_WBXML_UNKNOWN_ELEMENT\n", nId);
@@ -725,9 +620,9 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamListString(tqsWbxmlDecoder *p
         // freed text: the listed text stays, the extended one becomes the next
         // item, and a value left unchanged is not listed twice.
         char *pszListed = pszValue;
-        g_pszListedText = pszListed;
+        JoinOf(ptDecoder)->pszListedText = pszListed;
         nRet = tqsClientProvWbxmlDecoderParamString(ptDecoder, &pszValue, nByte);
-        g_pszListedText = nullptr;
+        JoinOf(ptDecoder)->pszListedText = nullptr;
         if (nRet != TQS_OK) return nRet;
         if (pszListed != nullptr && pszValue == pszListed) continue;
         if (ptList == nullptr) {
@@ -736,7 +631,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderParamListString(tqsWbxmlDecoder *p
                 return TQS_ERROR_FAILED;
             }
         } else {
-            tqsListAddNodeLast(ptList, pszValue);  // a null value is refused
+            (void)tqsListAddNodeLast(ptList, pszValue);  // a null value is refused, and that is all
         }
     }
 }
@@ -753,99 +648,14 @@ inline bool TextIs(const char *psz, const char *pszWanted) {
     return psz != nullptr && strcmp(psz, pszWanted) == 0;
 }
 
-constexpr int kSlotRoaming = 15;
-constexpr int kSlotWifi = 16;
-constexpr uint16_t kNoNesting = 0xFFFF;
-
-template <typename Record, TqsResult (*Handler)(tqsWbxmlDecoder *, Record *)>
-TqsResult CallParm(tqsWbxmlDecoder *ptDecoder, void *pRecord) {
-    return Handler(ptDecoder, static_cast<Record *>(pRecord));
-}
-
-// What a characteristic of each tqsWapCharacter slot is: its record size, where
-// nested characteristics go (or the refusal traced), and its parm handler.
-struct SlotInfo {
-    uint32_t nFields;
-    uint16_t nCharListOffset;
-    const char *pszNestRefusal;
-    TqsResult (*pfnParm)(tqsWbxmlDecoder *, void *);
-};
-
-#define TQS_FIELDS(type) static_cast<uint32_t>(sizeof(type) / sizeof(void *))
-#define TQS_NESTS(type) static_cast<uint16_t>(offsetof(type, ptCharacterList)), nullptr
-#define TQS_PARM(type, fn) CallParm<type, fn>
-constexpr char kRefusePort[] = "BOOTSTRAP is Not Support Chiled PORT.";
-constexpr char kRefuseResource[] = "RESOURCE is Not Support Chiled CHARACTER.";
-constexpr SlotInfo kSlots[] = {
-    {TQS_FIELDS(tqsWapPxLogical), TQS_NESTS(tqsWapPxLogical),
-     TQS_PARM(tqsWapPxLogical, tqsClientProvWbxmlDecoderParamPxlogical)},
-    {TQS_FIELDS(tqsWapPxAuthInfo), kNoNesting, kRefuseResource,
-     TQS_PARM(tqsWapPxAuthInfo, tqsClientProvWbxmlDecoderParamPxAuthInfo)},
-    {TQS_FIELDS(tqsWapPort), kNoNesting, kRefusePort,
-     TQS_PARM(tqsWapPort, tqsClientProvWbxmlDecoderParamPort)},
-    {TQS_FIELDS(tqsWapPxPhysical), TQS_NESTS(tqsWapPxPhysical),
-     TQS_PARM(tqsWapPxPhysical, tqsClientProvWbxmlDecoderParamPxPhysical)},
-    {TQS_FIELDS(tqsWapNapDef), TQS_NESTS(tqsWapNapDef),
-     TQS_PARM(tqsWapNapDef, tqsClientProvWbxmlDecoderParamNapDef)},
-    {TQS_FIELDS(tqsWapNapAuthInfo), kNoNesting, kRefusePort,
-     TQS_PARM(tqsWapNapAuthInfo, tqsClientProvWbxmlDecoderParamNapAuthInfo)},
-    {TQS_FIELDS(tqsWapValidity), kNoNesting, kRefusePort,
-     TQS_PARM(tqsWapValidity, tqsClientProvWbxmlDecoderParamValidity)},
-    {TQS_FIELDS(tqsWapAppAddr), TQS_NESTS(tqsWapAppAddr),
-     TQS_PARM(tqsWapAppAddr, tqsClientProvWbxmlDecoderParamAppAddr)},
-    {TQS_FIELDS(tqsWapResource), kNoNesting, kRefuseResource,
-     TQS_PARM(tqsWapResource, tqsClientProvWbxmlDecoderParamResource)},
-    {TQS_FIELDS(tqsWapAppAuth), kNoNesting, "APPAUTH is Not Support Chiled CHARACTER.",
-     TQS_PARM(tqsWapAppAuth, tqsClientProvWbxmlDecoderParamAppAuth)},
-    {TQS_FIELDS(tqsWapApplication), TQS_NESTS(tqsWapApplication),
-     TQS_PARM(tqsWapApplication, tqsClientProvWbxmlDecoderParamApplication)},
-    {TQS_FIELDS(tqsWapBootstrap), kNoNesting, "BOOTSTRAP is Not Support Chiled CHARACTER.",
-     TQS_PARM(tqsWapBootstrap, tqsClientProvWbxmlDecoderParamBootstrap)},
-    {TQS_FIELDS(tqsWapVendorConfig), kNoNesting, "VENDORCONFIG is Not Support Chiled CHARACTER.",
-     TQS_PARM(tqsWapVendorConfig, tqsClientProvWbxmlDecoderParamVendorConfig)},
-    {TQS_FIELDS(tqsWapClientIdentity), kNoNesting, "BOOTSTRAP is Not Support Chiled CLIENTIDENTITY.",
-     TQS_PARM(tqsWapClientIdentity, tqsClientProvWbxmlDecoderParamClientIdentity)},
-    {TQS_FIELDS(tqsWapAccess), kNoNesting, "BOOTSTRAP is Not Support Chiled ACCESS.",
-     TQS_PARM(tqsWapAccess, tqsClientProvWbxmlDecoderParamAccess)},
-    {TQS_FIELDS(tqsWapRoaming), kNoNesting, nullptr,
-     TQS_PARM(tqsWapRoaming, tqsClientProvWbxmlDecoderParamRoaming)},
-    {TQS_FIELDS(tqsWapWifi), kNoNesting, nullptr, TQS_PARM(tqsWapWifi, tqsClientProvWbxmlDecoderParamWifi)},
-};
-#undef TQS_FIELDS
-#undef TQS_NESTS
-#undef TQS_PARM
-static_assert(sizeof(kSlots) / sizeof(kSlots[0]) * sizeof(void *) == sizeof(tqsWapCharacter));
-
-// Slot created by the type tokens 0x51..0x5B on attribute page 0 and page 1.
-constexpr uint8_t kFirstTypeToken = 0x51;
-constexpr uint8_t kTypeSlots[][2] = {
-    {0, 0},    // 0x51 PXLOGICAL
-    {3, 3},    // 0x52 PXPHYSICAL
-    {2, 2},    // 0x53 PORT
-    {6, 6},    // 0x54 VALIDITY
-    {4, 10},   // 0x55 NAPDEF / APPLICATION
-    {11, 7},   // 0x56 BOOTSTRAP / APPADDR
-    {12, 9},   // 0x57 VENDORCONFIG / APPAUTH
-    {13, 13},  // 0x58 CLIENTIDENTITY
-    {1, 8},    // 0x59 PXAUTHINFO / RESOURCE
-    {5, 5},    // 0x5A NAPAUTHINFO
-    {14, 14},  // 0x5B ACCESS
-};
-constexpr uint8_t kLastTypeToken = kFirstTypeToken + sizeof(kTypeSlots) / sizeof(kTypeSlots[0]) - 1;
-
-// Slot of a type token on a page, or -1 (no type, or the inline type 0x50).
-inline int TypeSlot(uint8_t nAttrId, uint8_t nPage) {
-    if (nAttrId < kFirstTypeToken || nAttrId > kLastTypeToken) return -1;
-    return kTypeSlots[nAttrId - kFirstTypeToken][nPage == 1 ? 1 : 0];
-}
-
 inline void **Slots(tqsWapCharacter *ptCharacter) {
     return reinterpret_cast<void **>(ptCharacter);
 }
 
 // Puts a new zero-filled record of the slot's type into the characteristic.
-TqsResult CreateSlotRecord(tqsWapCharacter *ptCharacter, int nSlot) {
-    void *pRecord = tqsMemAllocSetZero_debug(kSlots[nSlot].nFields * sizeof(void *) + 1, kUnitPath, __LINE__);
+[[nodiscard]] TqsResult CreateSlotRecord(tqsWapCharacter *ptCharacter, int nSlot) {
+    void *pRecord =
+        tqsMemAllocSetZero_debug(kSlots[nSlot].nFields * sizeof(void *) + 1, kUnitPath, kLineSlotRecord);
     if (pRecord == nullptr) return TQS_ERROR_FAILED;
     if (Slots(ptCharacter)[nSlot] != nullptr)
         tqcTrace("tqsClientProvWbxmlDecoderCharacterAttribute : ERROR!!!");
@@ -860,8 +670,8 @@ struct DepthGuard {
     ~DepthGuard() { --ptDecoder->nDepth; }
 };
 
-TqsResult NestedCharacteristics(tqsWbxmlDecoder *ptDecoder, tqsWapCharacter *ptCharacter, uint8_t nAttrId,
-                                uint8_t nPage) {
+[[nodiscard]] TqsResult NestedCharacteristics(tqsWbxmlDecoder *ptDecoder, tqsWapCharacter *ptCharacter,
+                                              uint8_t nAttrId, uint8_t nPage) {
     int nSlot = TypeSlot(nAttrId, nPage);
     if (nSlot < 0) return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
     const SlotInfo &tInfo = kSlots[nSlot];
@@ -875,8 +685,8 @@ TqsResult NestedCharacteristics(tqsWbxmlDecoder *ptDecoder, tqsWapCharacter *ptC
         ptDecoder, reinterpret_cast<TqsList **>(pRecord + tInfo.nCharListOffset));
 }
 
-TqsResult CharacteristicParm(tqsWbxmlDecoder *ptDecoder, tqsWapCharacter *ptCharacter, uint8_t nAttrId,
-                             uint8_t nPage, const char *pszName) {
+[[nodiscard]] TqsResult CharacteristicParm(tqsWbxmlDecoder *ptDecoder, tqsWapCharacter *ptCharacter,
+                                           uint8_t nAttrId, uint8_t nPage, const char *pszName) {
     if (nAttrId == kAttrTypeInline) {
         tqcTrace("................NEW.................");
         if (TextIs(pszName, "ROAMING")) {
@@ -901,9 +711,9 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderWbxmlBody(tqsWbxmlDecoder *ptDecod
     tqcTrace("tqsClientProvWbxmlDecoderWbxmlBody");
     if (ptDecoder->ptBuffer == nullptr) return TQS_ERROR_WBXML_NO_BUFFER;
     ptDecoder->nDepth = 0;
-    g_nJoinBytes = 0;
+    JoinOf(ptDecoder)->nBytes = 0;
     tqsWapDoc *ptWapDoc =
-        static_cast<tqsWapDoc *>(tqsMemAllocSetZero_debug(sizeof(tqsWapDoc) + 1, kUnitPath, __LINE__));
+        static_cast<tqsWapDoc *>(tqsMemAllocSetZero_debug(sizeof(tqsWapDoc) + 1, kUnitPath, kLineWapDoc));
     if (ptWapDoc == nullptr) {
         tqcTrace("[Error] [tqsClientProvWbxmlDecoderWbxmlBody] ptTmpWapDoc NULL");
         return TQS_ERROR_FAILED;
@@ -1004,7 +814,8 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderAttributeWapDocVersion(tqsWbxmlDec
         tqcTrace("tqsClientProvWbxmlDecoderAttributeWapDocVersion[%x]", nId);
         return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
     }
-    tqsClientProvWbxmlDecoderSkipAttribute(ptDecoder);  // status ignored
+    // The version's value is not looked at; where its skip ends is the next read's concern.
+    (void)tqsClientProvWbxmlDecoderSkipAttribute(ptDecoder);
     return nRet;
 }
 
@@ -1027,13 +838,13 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCharacterList(tqsWbxmlDecoder *ptD
         TqsResult nRet = tqsClientProvWbxmlDecoderCharacter(ptDecoder, &ptCharacter);
         if (nRet != TQS_OK) return nRet;  // a list this run created is not stored
         if (ptList == nullptr) {
-            tqsListCreate(&ptList, ptCharacter);
+            (void)tqsListCreate(&ptList, ptCharacter);  // the list left null says it all
             if (ptList == nullptr) {
                 tqcTrace("[Error] [tqsClientProvWbxmlDecoderCharacterList] ptTmpList NULL");
                 return TQS_ERROR_FAILED;
             }
         } else {
-            tqsListAddNodeLast(ptList, ptCharacter);  // a null (empty) characteristic is refused
+            (void)tqsListAddNodeLast(ptList, ptCharacter);  // an empty (null) one is refused, no more
         }
         uint8_t nId;
         nRet = tqsClientProvWbxmlDecoderCurElement(ptDecoder, &nId);
@@ -1062,7 +873,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCharacter(tqsWbxmlDecoder *ptDecod
     }
     DepthGuard tDepth(ptDecoder);
     tqsWapCharacter *ptCharacter = static_cast<tqsWapCharacter *>(
-        tqsMemAllocSetZero_debug(sizeof(tqsWapCharacter) + 1, kUnitPath, __LINE__));
+        tqsMemAllocSetZero_debug(sizeof(tqsWapCharacter) + 1, kUnitPath, kLineCharacter));
     if (ptCharacter == nullptr) return TQS_ERROR_FAILED;
     uint8_t nAttrId = 0;
     uint8_t nPage = 0;
@@ -1122,7 +933,7 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCharacterAttribute(tqsWbxmlDecoder
         if (nByte == kTokSwitchPage) {
             nRet = tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);
         } else if (nByte == kAttrTypeInline) {
-            tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nId);
+            (void)tqsClientProvWbxmlDecoderReadElement(ptDecoder, &nId);  // the 0x50 just peeked
             char *pszName = nullptr;
             nRet = tqsClientProvWbxmlDecoderContent(ptDecoder, &pszName);
             tqcTrace("[tqsClientProvWbxmlDecoderParamNameString] pszName [%s]", Str(pszName));
@@ -1151,276 +962,14 @@ extern "C" TqsResult tqsClientProvWbxmlDecoderCharacterAttribute(tqsWbxmlDecoder
 
 // ---- Parm handlers -----------------------------------------------------------
 //
-// One walker serves all seventeen characteristics: each has a table of the
-// parm name bytes it accepts, the field (offset into its record) and how the
-// value is read. The named entry points carry their own traces and quirks.
+// One walker serves all seventeen characteristics: it runs the handler's
+// descriptor (tqsClientProvWbxmlHandlers.h) over the parm's attribute bytes.
+// The named entry points below carry their own traces and quirks.
 
 namespace {
 
-enum class ParmKind : uint8_t {
-    kSingle,       // value into a string field
-    kList,         // value as one more item of a string list
-    kLenientList,  // kList whose failure is only traced
-    kName,         // name written as a string: the characteristic's name-string handler
-    kComma,        // 0x90 after a value: join the next value with a comma
-    kStartPage,    // kSingle; no value marks the record as the start page
-};
-
-struct ParmEntry {
-    uint8_t nByte;
-    ParmKind eKind;
-    uint16_t nOffset;
-    const char *pszLabel;  // traced before the value is read, or null
-};
-
-enum ParmTraces : uint8_t {
-    kTraceNone = 0,
-    kTraceEndCode = 1,   // "...ParamPxlogical Error Code:%d" at the end
-    kTraceIdAround = 2,  // nId before each dispatch and the error summary at the end
-    kTraceIdAfter = 4,   // nId after each dispatch
-};
-
-// Entry of each parm byte: its position in the table + 1, 0 for an unknown byte.
-struct ParmIndex {
-    uint8_t nSlot[256];
-};
-
-struct ParmHandler {
-    const char *pszName;         // traced on entry
-    const char *pszUnknownLine;  // second line for an unknown byte; null: the single NAPDEF line
-    bool bNeedsRecord;           // 2 for a null record
-    bool bRawPeekAfterSwitch;    // after SWITCH_PAGE peek the raw byte again (RESOURCE, APPAUTH)
-    uint8_t nTraces;
-    const ParmEntry *ptEntries;
-    const ParmIndex *ptIndex;
-    TqsResult (*pfnName)(tqsWbxmlDecoder *, void *, uint8_t);
-};
-
-// ---- Parm tables: each handler's bytes, built from its record's fields ----
-
-namespace rec = tqs::detail;
-
-template <size_t N>
-struct ParmTable {
-    ParmEntry atEntries[N];
-    ParmIndex tIndex;
-};
-
-constexpr ParmKind ReaderOf(rec::Fill eFill) {
-    switch (eFill) {
-        case rec::Fill::StartPage:
-            return ParmKind::kStartPage;
-        case rec::Fill::List:
-            return ParmKind::kList;
-        case rec::Fill::LenientList:
-            return ParmKind::kLenientList;
-        default:
-            return ParmKind::kSingle;
-    }
-}
-
-// A record with a field filled by an inline-named parm takes the name attribute.
-constexpr bool ReadsInlineName(rec::Fill eFill) {
-    return eFill == rec::Fill::Named || eFill == rec::Fill::PairName;
-}
-
-template <rec::Kind K>
-constexpr size_t ParmCount() {
-    size_t n = 0;
-    bool bName = false;
-    for (const rec::Field &f : rec::Record<K>::kFields) {
-        n += (f.token != 0) + (f.fill == rec::Fill::Joined);
-        bName = bName || ReadsInlineName(f.fill);
-    }
-    return n + bName;
-}
-
-// bLabelled: the handler traces each parm's label before it reads the parm.
-template <rec::Kind K, bool bLabelled = false>
-constexpr ParmTable<ParmCount<K>()> MakeParmTable() {
-    ParmTable<ParmCount<K>()> t{};
-    size_t n = 0;
-    auto add = [&](uint8_t nByte, ParmKind eKind, uint16_t nOffset, const char *pszLabel) {
-        t.atEntries[n] = ParmEntry{nByte, eKind, nOffset, bLabelled ? pszLabel : nullptr};
-        t.tIndex.nSlot[nByte] = static_cast<uint8_t>(++n);
-    };
-    bool bName = false;
-    for (const rec::Field &f : rec::Record<K>::kFields) {
-        if (f.token != 0) add(f.token, ReaderOf(f.fill), f.tree, f.label);
-        if (f.fill == rec::Fill::Joined) add(kTokComma, ParmKind::kComma, f.tree, nullptr);
-        bName = bName || ReadsInlineName(f.fill);
-    }
-    if (bName) add(kTokNameAttr, ParmKind::kName, 0, rec::kParmLabel<"">);
-    return t;
-}
-
-constexpr auto kPxLogicalParms = MakeParmTable<rec::Kind::PxLogical>();
-constexpr auto kPxAuthInfoParms = MakeParmTable<rec::Kind::PxAuthInfo>();
-constexpr auto kPortParms = MakeParmTable<rec::Kind::Port>();
-constexpr auto kPxPhysicalParms = MakeParmTable<rec::Kind::PxPhysical>();
-constexpr auto kNapDefParms = MakeParmTable<rec::Kind::NapDef>();
-constexpr auto kNapAuthInfoParms = MakeParmTable<rec::Kind::NapAuthInfo>();
-constexpr auto kValidityParms = MakeParmTable<rec::Kind::Validity>();
-constexpr auto kApplicationParms = MakeParmTable<rec::Kind::Application, true>();
-constexpr auto kAppAddrParms = MakeParmTable<rec::Kind::AppAddr>();
-constexpr auto kAppAuthParms = MakeParmTable<rec::Kind::AppAuth>();
-constexpr auto kResourceParms = MakeParmTable<rec::Kind::Resource, true>();
-constexpr auto kBootstrapParms = MakeParmTable<rec::Kind::Bootstrap>();
-constexpr auto kVendorConfigParms = MakeParmTable<rec::Kind::VendorConfig>();
-constexpr auto kClientIdentityParms = MakeParmTable<rec::Kind::ClientIdentity>();
-constexpr auto kAccessParms = MakeParmTable<rec::Kind::Access>();
-constexpr auto kRoamingParms = MakeParmTable<rec::Kind::Roaming>();
-constexpr auto kWifiParms = MakeParmTable<rec::Kind::Wifi>();
-static_assert(kAppAuthParms.tIndex.nSlot[kTokComma] != 0 && kResourceParms.tIndex.nSlot[kTokComma] == 0,
-              "0x90 joins in APPAUTH only");
-static_assert(kNapDefParms.tIndex.nSlot[kTokNameAttr] != 0 && kPxLogicalParms.tIndex.nSlot[kTokNameAttr] == 0,
-              "inline names where a field takes them");
-
-#define TQS_ENTRIES(table) table.atEntries, &table.tIndex
-#define TQS_UNKNOWN(name) name "[%x]"
-
-constexpr ParmHandler kPxLogicalHandler = {"tqsClientProvWbxmlDecoderParamPxlogical",
-                                           TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamPxlogical"),
-                                           true,
-                                           false,
-                                           kTraceEndCode,
-                                           TQS_ENTRIES(kPxLogicalParms),
-                                           nullptr};
-constexpr ParmHandler kPxAuthInfoHandler = {"tqsClientProvWbxmlDecoderParamPxAuthInfo",
-                                            TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamPxAuthInfo"),
-                                            true,
-                                            false,
-                                            kTraceIdAround,
-                                            TQS_ENTRIES(kPxAuthInfoParms),
-                                            nullptr};
-constexpr ParmHandler kPortHandler = {"tqsClientProvWbxmlDecoderParamPort",
-                                      TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamPort"),
-                                      true,
-                                      false,
-                                      kTraceNone,
-                                      TQS_ENTRIES(kPortParms),
-                                      nullptr};
-constexpr ParmHandler kPxPhysicalHandler = {"tqsClientProvWbxmlDecoderParamPxPhysical",
-                                            TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamPxPhysical"),
-                                            true,
-                                            false,
-                                            kTraceNone,
-                                            TQS_ENTRIES(kPxPhysicalParms),
-                                            nullptr};
-constexpr ParmHandler kNapDefHandler = {"tqsClientProvWbxmlDecoderParamNapDef",
-                                        nullptr,
-                                        true,
-                                        false,
-                                        kTraceNone,
-                                        TQS_ENTRIES(kNapDefParms),
-                                        [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
-                                            return tqsClientProvWbxmlDecoderParamNapNameString(
-                                                ptDecoder, static_cast<tqsWapNapDef *>(pRecord), nTag);
-                                        }};
-constexpr ParmHandler kNapAuthInfoHandler = {"tqsClientProvWbxmlDecoderParamNapAuthInfo",
-                                             TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamNapAuthInfo"),
-                                             true,
-                                             false,
-                                             kTraceNone,
-                                             TQS_ENTRIES(kNapAuthInfoParms),
-                                             nullptr};
-constexpr ParmHandler kValidityHandler = {"tqsClientProvWbxmlDecoderParamValidity",
-                                          TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamValidity"),
-                                          true,
-                                          false,
-                                          kTraceNone,
-                                          TQS_ENTRIES(kValidityParms),
-                                          nullptr};
-constexpr ParmHandler kApplicationHandler = {"tqsClientProvWbxmlDecoderParamApplication",
-                                             TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamApplication"),
-                                             true,
-                                             false,
-                                             kTraceIdAfter,
-                                             TQS_ENTRIES(kApplicationParms),
-                                             [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
-                                                 return tqsClientProvWbxmlDecoderParamAppNameString(
-                                                     ptDecoder, static_cast<tqsWapApplication *>(pRecord),
-                                                     nTag);
-                                             }};
-constexpr ParmHandler kAppAddrHandler = {"tqsClientProvWbxmlDecoderParamAppAddr",
-                                         TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamAppAddr"),
-                                         true,
-                                         false,
-                                         kTraceNone,
-                                         TQS_ENTRIES(kAppAddrParms),
-                                         nullptr};
-constexpr ParmHandler kAppAuthHandler = {"tqsClientProvWbxmlDecoderParamAppAuth",
-                                         TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamAppAuth"),
-                                         true,
-                                         true,
-                                         kTraceNone,
-                                         TQS_ENTRIES(kAppAuthParms),
-                                         nullptr};
-constexpr ParmHandler kResourceHandler = {"tqsClientProvWbxmlDecoderParamResource",
-                                          TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamResource"),
-                                          true,
-                                          true,
-                                          kTraceNone,
-                                          TQS_ENTRIES(kResourceParms),
-                                          nullptr};
-constexpr ParmHandler kBootstrapHandler = {"tqsClientProvWbxmlDecoderParamBootstrap",
-                                           TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamBootstrap"),
-                                           true,
-                                           false,
-                                           kTraceNone,
-                                           TQS_ENTRIES(kBootstrapParms),
-                                           nullptr};
-constexpr ParmHandler kVendorConfigHandler = {
-    "tqsClientProvWbxmlDecoderParamVendorConfig",
-    TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamVendorConfig"),
-    true,
-    false,
-    kTraceNone,
-    TQS_ENTRIES(kVendorConfigParms),
-    [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
-        tqsWapVendorConfig *ptRecord = static_cast<tqsWapVendorConfig *>(pRecord);
-        return tqsClientProvWbxmlDecoderParamVendorNameString(ptDecoder, &ptRecord->pszParmName,
-                                                              &ptRecord->pszParmValue, nTag);
-    }};
-constexpr ParmHandler kClientIdentityHandler = {"tqsClientProvWbxmlDecoderParamClientIdentity",
-                                                TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamClientIdentity"),
-                                                true,
-                                                false,
-                                                kTraceNone,
-                                                TQS_ENTRIES(kClientIdentityParms),
-                                                nullptr};
-constexpr ParmHandler kAccessHandler = {"tqsClientProvWbxmlDecoderParamAccess",
-                                        TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamAccess"),
-                                        true,
-                                        false,
-                                        kTraceNone,
-                                        TQS_ENTRIES(kAccessParms),
-                                        nullptr};
-constexpr ParmHandler kRoamingHandler = {"tqsClientProvWbxmlDecoderParamRoming",
-                                         TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamAccess"),
-                                         false,
-                                         false,
-                                         kTraceNone,
-                                         TQS_ENTRIES(kRoamingParms),
-                                         [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
-                                             return tqsClientProvWbxmlDecoderParamRoamingNameString(
-                                                 ptDecoder, static_cast<tqsWapRoaming *>(pRecord), nTag);
-                                         }};
-constexpr ParmHandler kWifiHandler = {"tqsClientProvWbxmlDecoderParamWifi",
-                                      TQS_UNKNOWN("tqsClientProvWbxmlDecoderParamAccess"),
-                                      false,
-                                      false,
-                                      kTraceNone,
-                                      TQS_ENTRIES(kWifiParms),
-                                      [](tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTag) {
-                                          return tqsClientProvWbxmlDecoderParamWifiNameString(
-                                              ptDecoder, static_cast<tqsWapWifi *>(pRecord), nTag);
-                                      }};
-#undef TQS_ENTRIES
-#undef TQS_UNKNOWN
-
-TqsResult ReadParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler &tHandler,
-                   const ParmEntry &tEntry, uint8_t nByte) {
+[[nodiscard]] TqsResult ReadParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler &tHandler,
+                                 const ParmEntry &tEntry, uint8_t nByte) {
     char *pField = static_cast<char *>(pRecord) + tEntry.nOffset;
     char **ppszField = reinterpret_cast<char **>(pField);
     TqsList **pptList = reinterpret_cast<TqsList **>(pField);
@@ -1444,8 +993,7 @@ TqsResult ReadParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler 
         case ParmKind::kStartPage:
             nRet = tqsClientProvWbxmlDecoderParamString(ptDecoder, ppszField, nByte);
             if (*ppszField == nullptr) {
-                // 1516: the line the leak report has always named for this block.
-                *ppszField = static_cast<char *>(tqsMemAllocSetZero_debug(11, kUnitPath, 1516));
+                *ppszField = static_cast<char *>(tqsMemAllocSetZero_debug(11, kUnitPath, kLineStartPage));
                 if (*ppszField != nullptr) memcpy(*ppszField, "startpage", 9);
             }
             return nRet;
@@ -1453,7 +1001,8 @@ TqsResult ReadParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler 
     return TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
 }
 
-TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHandler &tHandler) {
+[[nodiscard]] TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord,
+                                       const ParmHandler &tHandler) {
     tqcTrace("%s", tHandler.pszName);
     if (tHandler.bNeedsRecord && pRecord == nullptr) return TQS_ERROR_MISSING;
     TqsResult nRet = tqsClientProvWbxmlDecoderCheckElement(ptDecoder, kIdParm);
@@ -1468,6 +1017,8 @@ TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHa
             break;
         }
         if (nByte == kTokSwitchPage) {
+            // A bad page ends the loop only for the raw peekers; the others
+            // peek again at once, and that read decides.
             nRet = tqsClientProvWbxmlDecoderCheckCodePage(ptDecoder);
             if (tHandler.bRawPeekAfterSwitch) continue;
             // The others peek through the tag reader: a token of 0x40 or above
@@ -1479,14 +1030,16 @@ TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHa
         const uint8_t nSlot = tHandler.ptIndex->nSlot[nByte];
         const ParmEntry *ptEntry = nSlot != 0 ? &tHandler.ptEntries[nSlot - 1] : nullptr;
         if (ptEntry == nullptr) {
-            if (tHandler.pszUnknownLine != nullptr) {
-                tqcTrace("Tag Code = TQS_ERROR_WBXML_UNKNOWN_ELEMENT");
-                tqcTrace(tHandler.pszUnknownLine, nByte);
-            } else {
+            if (tHandler.bNapDefUnknownLine) {
                 tqcTrace(
                     "tqsClientProvWbxmlDecoderParamNapDef : Tag Code [%d] = "
                     "TQS_ERROR_WBXML_UNKNOWN_ELEMENT\n",
                     nByte);
+            } else {
+                tqcTrace("Tag Code = TQS_ERROR_WBXML_UNKNOWN_ELEMENT");
+                tqcTrace("%s[%x]",
+                         tHandler.pszUnknownOwner != nullptr ? tHandler.pszUnknownOwner : tHandler.pszName,
+                         nByte);
             }
             nRet = TQS_ERROR_WBXML_UNKNOWN_ELEMENT;
             break;
@@ -1508,37 +1061,6 @@ TqsResult RunParmHandler(tqsWbxmlDecoder *ptDecoder, void *pRecord, const ParmHa
 
 enum class NameVariant : uint8_t { kApp, kNap, kRoaming, kWifi };
 
-struct NameTarget {
-    const char *pszName;
-    uint16_t nOffset;
-};
-
-template <rec::Kind K>
-constexpr size_t NamedCount() {
-    size_t n = 0;
-    for (const rec::Field &f : rec::Record<K>::kFields) n += f.fill == rec::Fill::Named;
-    return n;
-}
-
-// The fields an inline-named parm is read into, by name, in field order.
-template <rec::Kind K>
-struct NameTargets {
-    NameTarget at[NamedCount<K>()];
-};
-
-template <rec::Kind K>
-constexpr NameTargets<K> MakeNameTargets() {
-    NameTargets<K> t{};
-    size_t n = 0;
-    for (const rec::Field &f : rec::Record<K>::kFields)
-        if (f.fill == rec::Fill::Named) t.at[n++] = NameTarget{f.name, f.tree};
-    return t;
-}
-
-constexpr auto kAppTargets = MakeNameTargets<rec::Kind::Application>();
-constexpr auto kRoamingTargets = MakeNameTargets<rec::Kind::Roaming>();
-constexpr auto kWifiTargets = MakeNameTargets<rec::Kind::Wifi>();
-
 template <size_t N>
 char **FindTarget(void *pRecord, const NameTarget (&atTargets)[N], const char *pszName) {
     for (const NameTarget &tTarget : atTargets) {
@@ -1549,13 +1071,14 @@ char **FindTarget(void *pRecord, const NameTarget (&atTargets)[N], const char *p
     return nullptr;
 }
 
-TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTagID, NameVariant eVariant) {
+[[nodiscard]] TqsResult NameStringParm(tqsWbxmlDecoder *ptDecoder, void *pRecord, uint8_t nTagID,
+                                       NameVariant eVariant) {
     const char *pszPrefix = eVariant == NameVariant::kRoaming
                                 ? "[tqsClientProvWbxmlDecoderParamRoamingNameString]"
                                 : "[tqsClientProvWbxmlDecoderParamNameString]";
     if (eVariant == NameVariant::kApp) {
         // A scratch block the routine has always taken and never used or released.
-        tqsMemAllocSetZero_debug(129, kUnitPath, 1630);  // the line the leak report has always named
+        tqsMemAllocSetZero_debug(129, kUnitPath, kLineAppScratch);
     }
     tqcTrace("%s nTagID [0x%x]", pszPrefix, nTagID);
     TqsResult nRet = tqsClientProvWbxmlDecoderCheckAttr(ptDecoder, nTagID);
@@ -1741,7 +1264,7 @@ extern "C" tqsClientProvCtx *tqsClinetProvWbxmlDecoderMain(const unsigned char *
     }
     // Failure: release whatever exists; the context is always null here.
     tqsClientProvWbxmlDeleteWapDoc(ptWapDoc);
-    tqsClientProvWbxmlDeleteDecoder(ptDecoder);
+    (void)tqsClientProvWbxmlDeleteDecoder(ptDecoder);  // null is allowed here; its 2 says nothing new
     tqsClientProvCtxDelectContext(ptCtx);
     return nullptr;
 }

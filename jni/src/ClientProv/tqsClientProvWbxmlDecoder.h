@@ -3,11 +3,11 @@
  * of the body, the header and string table, characteristic decoding, parm
  * values and the per-characteristic parm handlers.
  *
- * Statuses are 32-bit: 0 success, 1 allocation/list failure, 2 missing
- * argument or record, 0x1005 unexpected token, 0x1007 end of body, 0x100A no
- * buffer, 0x100B not a provisioning document, 0x100F allocation failure while
- * joining. Routines documented as "truth value" return 1 for success, 0 for
- * failure instead.
+ * Statuses are the result codes of tqstypes.h: 0 success, 1 allocation or
+ * list failure, 2 missing argument or record, 0x1005 unexpected token, 0x1007
+ * end of body, 0x100A no buffer, 0x100B not a provisioning document, 0x100F
+ * allocation failure while joining. Routines documented as "truth value"
+ * return 1 for success, 0 for failure instead.
  */
 #ifndef TQS_CLIENT_PROV_WBXML_DECODER_H
 #define TQS_CLIENT_PROV_WBXML_DECODER_H
