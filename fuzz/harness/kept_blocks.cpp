@@ -37,7 +37,8 @@ constexpr Layout TreeLayout(const rec::RecordInfo &r) {
         const rec::Field &f = r.fields[i];
         if (f.tree == rec::kNoOffset) continue;
         char kind = rec::IsList(f.fill) ? 'l' : 's';
-        if (kind == 's' && f.treeRule == rec::TreeRule::Keep) kind = f.copy == rec::CopyRule::Twice ? 'F' : 'k';
+        if (kind == 's' && f.treeRule == rec::TreeRule::Keep)
+            kind = f.copy == rec::CopyRule::Twice ? 'F' : 'k';
         l.kinds[f.tree / sizeof(void *)] = kind;
     }
     if (r.characterList != rec::kNoOffset) l.kinds[r.characterList / sizeof(void *)] = 'c';
@@ -57,7 +58,8 @@ constexpr Layout CtxLayout(const rec::RecordInfo &r) {
     std::size_t child = 0;
     for (std::size_t off = 0; off < r.ctxSize; off += sizeof(void *)) {
         for (std::size_t i = 0; i < r.count; ++i) {
-            if (r.fields[i].fill == rec::Fill::Child && r.fields[i].ctx == off) l.children[child++] = r.fields[i].child;
+            if (r.fields[i].fill == rec::Fill::Child && r.fields[i].ctx == off)
+                l.children[child++] = r.fields[i].child;
         }
     }
     return l;
@@ -160,7 +162,8 @@ void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
         const void *record = Field(character, slot);
         if (record == nullptr) continue;
         // A record the tree never releases is kept whole (ROAMING).
-        WalkTreeRecord(record, kTreeLayouts[slot], keepAll || rec::kRecords[slot].treeRule == rec::TreeRule::Keep);
+        WalkTreeRecord(record, kTreeLayouts[slot],
+                       keepAll || rec::kRecords[slot].treeRule == rec::TreeRule::Keep);
     }
 }
 

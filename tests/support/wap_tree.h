@@ -1,6 +1,6 @@
 // Test helpers around the decoded provisioning tree (tqsWapDoc): the field
-// layout of its records, a readable dump in document terms, and the
-// provisioning XML read into the same form.
+// layout of its records (from their field lists), a readable dump in document
+// terms, and the provisioning XML read into the same form.
 #ifndef TQOMACP_TESTS_WAP_TREE_H
 #define TQOMACP_TESTS_WAP_TREE_H
 
@@ -15,7 +15,7 @@ namespace waptree {
 // One pointer field of a record.
 struct Field {
     enum Kind { kString, kList, kChars, kPairName, kPairValue } kind;  // list: of strings; chars: nested
-    std::string name;  // parm name ("?n" for a reserved slot) of a string or list
+    std::string name;  // parm name of a string or list
     bool kept;         // the release leaves the block allocated
 };
 

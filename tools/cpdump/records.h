@@ -1,6 +1,6 @@
 // Printing the library's records: the provisioning context as JSON and the
-// document tree as provisioning XML. Both walk descriptor tables of the
-// record layouts, so the key order is the record's field order.
+// document tree as provisioning XML. Both walk the records' field lists
+// (tqsClientProvFields.h), so the key order is the record's field order.
 #ifndef CPDUMP_RECORDS_H
 #define CPDUMP_RECORDS_H
 

@@ -305,12 +305,15 @@ struct KindRoutines {
 
 // By rec::Kind.
 constexpr KindRoutines kKindRoutines[] = {
-    {ConvertThunk<tqsClientProvCtxVerifyContextPxLogical>, ReleaseThunk<tqsClientProvCtxDelectContextPxLogical>,
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxLogical>,
+     ReleaseThunk<tqsClientProvCtxDelectContextPxLogical>,
      DistributeThunk<tqsClientProvCtxVerifyCharacterPxLogical>},
-    {ConvertThunk<tqsClientProvCtxVerifyContextPxAuthInfo>, ReleaseThunk<tqsClientProvCtxDelectContextPxAuthInfo>,
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxAuthInfo>,
+     ReleaseThunk<tqsClientProvCtxDelectContextPxAuthInfo>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextPort>, ReleaseThunk<tqsClientProvCtxDelectContextPort>,
      nullptr},
-    {ConvertThunk<tqsClientProvCtxVerifyContextPort>, ReleaseThunk<tqsClientProvCtxDelectContextPort>, nullptr},
-    {ConvertThunk<tqsClientProvCtxVerifyContextPxPhysical>, ReleaseThunk<tqsClientProvCtxDelectContextPxPhysical>,
+    {ConvertThunk<tqsClientProvCtxVerifyContextPxPhysical>,
+     ReleaseThunk<tqsClientProvCtxDelectContextPxPhysical>,
      DistributeThunk<tqsClientProvCtxVerifyCharacterPxPhysical>},
     {ConvertThunk<tqsClientProvCtxVerifyContextNapdef>, ReleaseThunk<tqsClientProvCtxDelectContextNapDef>,
      DistributeThunk<tqsClientProvCtxVerifyCharacterNapDef>},
@@ -327,8 +330,8 @@ constexpr KindRoutines kKindRoutines[] = {
     {ConvertThunk<tqsClientProvCtxVerifyContextApplication>,
      ReleaseThunk<tqsClientProvCtxDelectContextApplication>,
      DistributeThunk<tqsClientProvCtxVerifyCharacterApplication>},
-    {ConvertThunk<tqsClientProvCtxVerifyContextBootstrap>, ReleaseThunk<tqsClientProvCtxDelectContextBootstrap>,
-     nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextBootstrap>,
+     ReleaseThunk<tqsClientProvCtxDelectContextBootstrap>, nullptr},
     {ConvertThunk<tqsClientProvCtxVerifyContextVenderConfig>,
      ReleaseThunk<tqsClientProvCtxDelectContextVenderConfig>, nullptr},
     {ConvertThunk<tqsClientProvCtxVerifyContextClientIdent>,
@@ -336,7 +339,8 @@ constexpr KindRoutines kKindRoutines[] = {
     {ConvertThunk<tqsClientProvCtxVerifyContextAccess>, ReleaseThunk<tqsClientProvCtxDelectContextAccess>,
      nullptr},
     {ConvertThunk<tqsClientProvCtxVerifyContextRoaming>, nullptr, nullptr},
-    {ConvertThunk<tqsClientProvCtxVerifyContextWifi>, ReleaseThunk<tqsClientProvCtxDelectContextWifi>, nullptr},
+    {ConvertThunk<tqsClientProvCtxVerifyContextWifi>, ReleaseThunk<tqsClientProvCtxDelectContextWifi>,
+     nullptr},
 };
 static_assert(std::size(kKindRoutines) == rec::kSlotCount);
 
@@ -360,7 +364,8 @@ constexpr ListRoutines kListRoutines[] = {
     {tqsClientProvCtxVerifyContextProxyIdList, ReleaseStrThunk<tqsClientProvCtxDelectContextProxyIdList>},
     {tqsClientProvCtxVerifyContextDnsAddrList, ReleaseStrThunk<tqsClientProvCtxDelectContextDnsAddrList>},
     {tqsClientProvCtxVerifyContextBearerList, ReleaseStrThunk<tqsClientProvCtxDelectContextBearerList>},
-    {tqsClientProvCtxVerifyContextAuthEntityList, ReleaseStrThunk<tqsClientProvCtxDelectContextAuthEntityList>},
+    {tqsClientProvCtxVerifyContextAuthEntityList,
+     ReleaseStrThunk<tqsClientProvCtxDelectContextAuthEntityList>},
 };
 static_assert(std::size(kListRoutines) == size_t(rec::StrList::AuthEntity) + 1);
 
@@ -404,11 +409,11 @@ constexpr size_t CountOf(Part part) {
 
 template <rec::Kind K>
 struct Tables {
-    Table<FieldPair, CountOf<K>(Part::kCopy)> copy;     // strings copied, in field order
-    Table<ListRow, CountOf<K>(Part::kList)> lists;      // string lists, in context field order
+    Table<FieldPair, CountOf<K>(Part::kCopy)> copy;       // strings copied, in field order
+    Table<ListRow, CountOf<K>(Part::kList)> lists;        // string lists, in context field order
     Table<ChildSlot, CountOf<K>(Part::kChild)> children;  // accepted children, in test order
-    Table<Offset, CountOf<K>(Part::kFree)> free;        // strings released, in release order
-    Table<SubRelease, CountOf<K>(Part::kSub)> subs;     // lists and chains released, in release order
+    Table<Offset, CountOf<K>(Part::kFree)> free;          // strings released, in release order
+    Table<SubRelease, CountOf<K>(Part::kSub)> subs;       // lists and chains released, in release order
 };
 
 template <rec::Kind K>
@@ -423,7 +428,8 @@ constexpr Tables<K> MakeTables() {
     }
     for (Offset off = 0; off < sizeof(typename R::Ctx); off += sizeof(void *)) {
         for (const rec::Field &f : R::kFields) {
-            if (rec::IsList(f.fill) && f.ctx == off) t.lists.Add({f.tree, f.ctx, kListRoutines[size_t(f.list)].convert});
+            if (rec::IsList(f.fill) && f.ctx == off)
+                t.lists.Add({f.tree, f.ctx, kListRoutines[size_t(f.list)].convert});
         }
     }
     for (size_t place = 1; place <= std::size(R::kFields); ++place) {
@@ -448,10 +454,9 @@ template <rec::Kind K>
 constexpr Tables<K> kTables = MakeTables<K>();
 
 template <rec::Kind K>
-constexpr ConvertDesc kConvert{sizeof(typename rec::Record<K>::Ctx), kTables<K>.copy.AsRows(),
-                               kTables<K>.lists.AsRows(),
-                               rec::CharacterListOffset<typename rec::Record<K>::Wap>(),
-                               kKindRoutines[size_t(K)].distribute};
+constexpr ConvertDesc kConvert{
+    sizeof(typename rec::Record<K>::Ctx), kTables<K>.copy.AsRows(), kTables<K>.lists.AsRows(),
+    rec::CharacterListOffset<typename rec::Record<K>::Wap>(), kKindRoutines[size_t(K)].distribute};
 
 template <rec::Kind K>
 constexpr ReleaseDesc kRelease{kTables<K>.free.AsRows(), kTables<K>.subs.AsRows(),

@@ -232,27 +232,27 @@
     C(ptWifi,         Wifi,           6, 0)
 
 // The 17 kinds in tqsWapCharacter slot order: the kind (its field list is
-// TQS_FIELDS_<kind>), its slot, the tree and context records, the type name,
-// whether the tree releases the record (ROAMING is never released) and whether
-// context records of the kind form a chain (the one CLIENTIDENTITY does not).
-#define TQS_RECORDS(X)                                                                                   \
-    X(PxLogical,      ptPxLogical,      tqsWapPxLogical,      tqsCtxPxLogical,    "PXLOGICAL",      Free, Chain)  \
-    X(PxAuthInfo,     ptPxAuthInfo,     tqsWapPxAuthInfo,     tqsCtxPxAuthInfo,   "PXAUTHINFO",     Free, Chain)  \
-    X(Port,           ptPort,           tqsWapPort,           tqsCtxPort,         "PORT",           Free, Chain)  \
-    X(PxPhysical,     ptPxPhysical,     tqsWapPxPhysical,     tqsCtxPxPhysical,   "PXPHYSICAL",     Free, Chain)  \
-    X(NapDef,         ptNapDef,         tqsWapNapDef,         tqsCtxNapDef,       "NAPDEF",         Free, Chain)  \
-    X(NapAuthInfo,    ptNapAuthInfo,    tqsWapNapAuthInfo,    tqsCtxNapAuthInfo,  "NAPAUTHINFO",    Free, Chain)  \
-    X(Validity,       ptValidity,       tqsWapValidity,       tqsCtxValidity,     "VALIDITY",       Free, Chain)  \
-    X(AppAddr,        ptAppAddr,        tqsWapAppAddr,        tqsCtxAppAddr,      "APPADDR",        Free, Chain)  \
-    X(Resource,       ptResource,       tqsWapResource,       tqsCtxResource,     "RESOURCE",       Free, Chain)  \
-    X(AppAuth,        ptAppAuth,        tqsWapAppAuth,        tqsCtxAppAuth,      "APPAUTH",        Free, Chain)  \
-    X(Application,    ptApplication,    tqsWapApplication,    tqsCtxApplication,  "APPLICATION",    Free, Chain)  \
-    X(Bootstrap,      ptBootstrap,      tqsWapBootstrap,      tqsCtxBootstrap,    "BOOTSTRAP",      Free, Chain)  \
-    X(VendorConfig,   ptVendorConfig,   tqsWapVendorConfig,   tqsCtxVenderConfig, "VENDORCONFIG",   Free, Chain)  \
-    X(ClientIdentity, ptClientIdentity, tqsWapClientIdentity, tqsCtxClientIdent,  "CLIENTIDENTITY", Free, Single) \
-    X(Access,         ptAccess,         tqsWapAccess,         tqsCtxAccess,       "ACCESS",         Free, Chain)  \
-    X(Roaming,        ptRoaming,        tqsWapRoaming,        tqsCtxRoaming,      "ROAMING",        Keep, Chain)  \
-    X(Wifi,           ptWifi,           tqsWapWifi,           tqsCtxWifi,         "WI-FI",          Free, Chain)
+// TQS_FIELDS_<kind>, its slot pt<kind>), the tree and context records, the type
+// name, whether the tree releases the record (ROAMING is never released) and
+// whether context records of the kind form a chain (the one CLIENTIDENTITY does not).
+#define TQS_RECORDS(X)                                                                          \
+    X(PxLogical,      tqsWapPxLogical,      tqsCtxPxLogical,    "PXLOGICAL",      Free, Chain)  \
+    X(PxAuthInfo,     tqsWapPxAuthInfo,     tqsCtxPxAuthInfo,   "PXAUTHINFO",     Free, Chain)  \
+    X(Port,           tqsWapPort,           tqsCtxPort,         "PORT",           Free, Chain)  \
+    X(PxPhysical,     tqsWapPxPhysical,     tqsCtxPxPhysical,   "PXPHYSICAL",     Free, Chain)  \
+    X(NapDef,         tqsWapNapDef,         tqsCtxNapDef,       "NAPDEF",         Free, Chain)  \
+    X(NapAuthInfo,    tqsWapNapAuthInfo,    tqsCtxNapAuthInfo,  "NAPAUTHINFO",    Free, Chain)  \
+    X(Validity,       tqsWapValidity,       tqsCtxValidity,     "VALIDITY",       Free, Chain)  \
+    X(AppAddr,        tqsWapAppAddr,        tqsCtxAppAddr,      "APPADDR",        Free, Chain)  \
+    X(Resource,       tqsWapResource,       tqsCtxResource,     "RESOURCE",       Free, Chain)  \
+    X(AppAuth,        tqsWapAppAuth,        tqsCtxAppAuth,      "APPAUTH",        Free, Chain)  \
+    X(Application,    tqsWapApplication,    tqsCtxApplication,  "APPLICATION",    Free, Chain)  \
+    X(Bootstrap,      tqsWapBootstrap,      tqsCtxBootstrap,    "BOOTSTRAP",      Free, Chain)  \
+    X(VendorConfig,   tqsWapVendorConfig,   tqsCtxVenderConfig, "VENDORCONFIG",   Free, Chain)  \
+    X(ClientIdentity, tqsWapClientIdentity, tqsCtxClientIdent,  "CLIENTIDENTITY", Free, Single) \
+    X(Access,         tqsWapAccess,         tqsCtxAccess,       "ACCESS",         Free, Chain)  \
+    X(Roaming,        tqsWapRoaming,        tqsCtxRoaming,      "ROAMING",        Keep, Chain)  \
+    X(Wifi,           tqsWapWifi,           tqsCtxWifi,         "WI-FI",          Free, Chain)
 // clang-format on
 
 namespace tqs::detail {
@@ -332,11 +332,11 @@ struct Field {
 
 template <Kind K>
 struct Types;
-#define TQS_TYPES(kind, slot, W, C, ...) \
-    template <>                          \
-    struct Types<Kind::kind> {           \
-        using Wap = W;                   \
-        using Ctx = C;                   \
+#define TQS_TYPES(kind, W, C, ...) \
+    template <>                    \
+    struct Types<Kind::kind> {     \
+        using Wap = W;             \
+        using Ctx = C;             \
     };
 TQS_RECORDS(TQS_TYPES)
 #undef TQS_TYPES
@@ -347,26 +347,28 @@ struct Types<Kind::Root> {
 };
 
 // Rows. Wap and Ctx are the record types of the scope the list is expanded in.
-#define TQS_ROW_S(fill, f, token, page, name, tree, copy, release)                                        \
-    Field{Fill::fill,         token,         page,    name, kParmLabel<name>, offsetof(Wap, f), offsetof(Ctx, f), \
-          TreeRule::tree,     CopyRule::copy, release, StrList::None, Kind::None, 0},
-#define TQS_ROW_L(fill, tf, cf, token, page, name, list, release)                                            \
-    Field{Fill::fill,       token,          page,    name, kParmLabel<name>, offsetof(Wap, tf), offsetof(Ctx, cf), \
-          TreeRule::Free,   CopyRule::Copy, release, StrList::list, Kind::None, 0},
-#define TQS_ROW_C(f, child, order, release)                                                              \
-    Field{Fill::Child,    0,              0,       nullptr, nullptr, kNoOffset, offsetof(Ctx, f), TreeRule::Free, \
-          CopyRule::Copy, release,        StrList::None, Kind::child, order},
+// clang-format off
+#define TQS_ROW_S(fill, f, token, page, name, tree, copy, release)                                      \
+    Field{Fill::fill, token, page, name, kParmLabel<name>, offsetof(Wap, f), offsetof(Ctx, f),          \
+          TreeRule::tree, CopyRule::copy, release, StrList::None, Kind::None, 0},
+#define TQS_ROW_L(fill, tf, cf, token, page, name, list, release)                                       \
+    Field{Fill::fill, token, page, name, kParmLabel<name>, offsetof(Wap, tf), offsetof(Ctx, cf),        \
+          TreeRule::Free, CopyRule::Copy, release, StrList::list, Kind::None, 0},
+#define TQS_ROW_C(f, child, order, release)                                                             \
+    Field{Fill::Child, 0, 0, nullptr, nullptr, kNoOffset, offsetof(Ctx, f),                             \
+          TreeRule::Free, CopyRule::Copy, release, StrList::None, Kind::child, order},
 
 // Each row's field has the type of its row.
-#define TQS_PIN_S(fill, f, ...)                                                              \
+#define TQS_PIN_S(fill, f, ...)                                                                         \
     static_assert(std::is_same_v<decltype(Wap::f), char *> && std::is_same_v<decltype(Ctx::f), char *>, \
                   #f " is a string");
-#define TQS_PIN_L(fill, tf, cf, ...)                                        \
-    static_assert(std::is_same_v<decltype(Wap::tf), TqsList *> &&            \
-                      std::is_same_v<decltype(Ctx::cf), tqsCtxStrNode *>,   \
+#define TQS_PIN_L(fill, tf, cf, ...)                                                                    \
+    static_assert(std::is_same_v<decltype(Wap::tf), TqsList *> &&                                       \
+                      std::is_same_v<decltype(Ctx::cf), tqsCtxStrNode *>,                               \
                   #tf " and " #cf " are lists of strings");
-#define TQS_PIN_C(f, child, ...)                                                                          \
+#define TQS_PIN_C(f, child, ...)                                                                        \
     static_assert(std::is_same_v<decltype(Ctx::f), Types<Kind::child>::Ctx *>, #f " is a chain of " #child);
+// clang-format on
 
 template <class W>
 constexpr uint16_t CharacterListOffset() {
@@ -389,15 +391,15 @@ constexpr uint16_t NextOffset() {
 template <Kind K>
 struct Record;
 
-#define TQS_RECORD(kind, slot, W, C, type, tree, chain)                                        \
-    template <>                                                                                \
-    struct Record<Kind::kind> : Types<Kind::kind> {                                            \
-        static constexpr const char *kType = type;                                             \
-        static constexpr uint16_t kSlot = offsetof(tqsWapCharacter, slot);                     \
-        static constexpr TreeRule kTreeRule = TreeRule::tree;                                  \
-        static constexpr Chaining kChaining = Chaining::chain;                                 \
+#define TQS_RECORD(kind, W, C, type, tree, chain)                                                \
+    template <>                                                                                  \
+    struct Record<Kind::kind> : Types<Kind::kind> {                                              \
+        static constexpr const char *kType = type;                                               \
+        static constexpr uint16_t kSlot = offsetof(tqsWapCharacter, pt##kind);                   \
+        static constexpr TreeRule kTreeRule = TreeRule::tree;                                    \
+        static constexpr Chaining kChaining = Chaining::chain;                                   \
         static constexpr Field kFields[] = {TQS_FIELDS_##kind(TQS_ROW_S, TQS_ROW_L, TQS_ROW_C)}; \
-        TQS_FIELDS_##kind(TQS_PIN_S, TQS_PIN_L, TQS_PIN_C)                                     \
+        TQS_FIELDS_##kind(TQS_PIN_S, TQS_PIN_L, TQS_PIN_C)                                       \
     };
 TQS_RECORDS(TQS_RECORD)
 #undef TQS_RECORD
@@ -498,10 +500,10 @@ constexpr bool OrdersAreWhole() {
     return true;
 }
 
-#define TQS_CHECK(kind, slot, ...)                                                                    \
-    static_assert(Record<Kind::kind>::kSlot == static_cast<size_t>(Kind::kind) * sizeof(void *),     \
-                  #kind " is slot " #slot);                                                           \
-    static_assert(DescribesEveryField<Kind::kind>(), "every field of " #kind " has its one row");    \
+#define TQS_CHECK(kind, ...)                                                                      \
+    static_assert(Record<Kind::kind>::kSlot == static_cast<size_t>(Kind::kind) * sizeof(void *),  \
+                  #kind " is its slot");                                                          \
+    static_assert(DescribesEveryField<Kind::kind>(), "every field of " #kind " has its one row"); \
     static_assert(OrdersAreWhole<Kind::kind>(), "release and test orders of " #kind " are whole");
 TQS_RECORDS(TQS_CHECK)
 #undef TQS_CHECK
