@@ -3,6 +3,7 @@
 
 #include "smlbuffer.h"
 #include "tqsClientProvFields.h"
+#include "tqsClientProvWbxmlDecoderState.h"
 #include "tqslist.h"
 #include "tqsmemory.h"
 #include "tqstrace.h"
@@ -16,7 +17,9 @@ extern "C" TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder,
     *pptDecoder = nullptr;
     tqsWbxmlDecoder *ptTmp = nullptr;
     if (pBody != nullptr) {  // line 19 in the leak report, as it has always been
-        ptTmp = static_cast<tqsWbxmlDecoder *>(tqsMemAllocSetZero_debug(sizeof *ptTmp + 1, kUnitPath, 19));
+        // The record with the decoder's private state beside it (tqsClientProvWbxmlDecoderState.h).
+        ptTmp = static_cast<tqsWbxmlDecoder *>(
+            tqsMemAllocSetZero_debug(sizeof(tqs::wbxml::DecoderState) + 1, kUnitPath, 19));
     }
     if (ptTmp == nullptr) {
         tqcTrace("[Error] [tqsClientProvWbxmlInitDecoder] ptTmp NULL");
@@ -27,9 +30,10 @@ extern "C" TqsResult tqsClientProvWbxmlInitDecoder(tqsWbxmlDecoder **pptDecoder,
     // growth to twice the body + 256: from a body of ~400 bytes that block is
     // a large request, which makes glibc consolidate all its free lists first
     // (a fifth of a typical parse). A 4 GiB body wraps the capacity to 0 and
-    // the append then refuses it.
-    smlBufferCreate(&ptTmp->ptBuffer, nLength + 1);
-    smlBufferAppendTail(ptTmp->ptBuffer, pBody, nLength);
+    // the append then refuses it. Neither result is checked: a decoder
+    // without a buffer, or with an empty one, refuses the document it reads.
+    (void)smlBufferCreate(&ptTmp->ptBuffer, nLength + 1);
+    (void)smlBufferAppendTail(ptTmp->ptBuffer, pBody, nLength);
     *pptDecoder = ptTmp;
     return TQS_OK;
 }
@@ -38,7 +42,7 @@ extern "C" TqsResult tqsClientProvWbxmlDeleteDecoder(tqsWbxmlDecoder *ptDecoder)
     if (ptDecoder == nullptr) return TQS_ERROR_MISSING;
     tqsMemFree_debug(ptDecoder->pStringTable);
     ptDecoder->pStringTable = nullptr;
-    smlBufferDelete(ptDecoder->ptBuffer);
+    (void)smlBufferDelete(ptDecoder->ptBuffer);  // null when its creation failed: nothing to delete
     tqsMemFree_debug(ptDecoder);
     return TQS_OK;
 }
@@ -48,6 +52,8 @@ extern "C" TqsResult tqsClientProvWbxmlDeleteDecoder(tqsWbxmlDecoder *ptDecoder)
 // Each record's shape, one letter per pointer field in memory order, comes
 // from its field list: S owned string, L list of owned strings, C list of
 // nested characteristics, K left allocated on purpose (the leak report shows it).
+// The order of release and the kept fields are the system's own, fixed by its
+// contract: do not "fix" them, the leak report and the traces would change.
 
 namespace {
 
@@ -86,13 +92,13 @@ uint32_t ReleaseRecord(void *pRecord, const char *pszShape) {
             case 'S':
                 tqsMemFree_debug(*ppField);
                 break;
-            case 'L':
+            case 'L':  // a list delete fails only for a null list, and none is passed
                 if (*ppField != nullptr)
-                    tqsListDeleteNodeAllAndList(static_cast<TqsList *>(*ppField), nullptr);
+                    (void)tqsListDeleteNodeAllAndList(static_cast<TqsList *>(*ppField), nullptr);
                 break;
             case 'C':
                 if (*ppField != nullptr) {
-                    tqsListDeleteNodeAllAndList(static_cast<TqsList *>(*ppField), ReleaseCharacterItem);
+                    (void)tqsListDeleteNodeAllAndList(static_cast<TqsList *>(*ppField), ReleaseCharacterItem);
                 }
                 break;
             default:  // 'K': kept
@@ -110,7 +116,7 @@ uint32_t ReleaseSlot(void *pRecord) {
 }
 
 // Release routine of each tqsWapCharacter slot, in slot order; slot 15
-// (ROAMING) is never released.
+// (ROAMING) is never released, deliberately (the leak report lists it).
 constexpr uint32_t (*kSlotRelease[])(void *) = {
     ReleaseSlot<tqsWapPxLogical, tqsClientProvWbxmlDeletePxlogical>,
     ReleaseSlot<tqsWapPxAuthInfo, tqsClientProvWbxmlDeletePxAuthInfo>,
@@ -144,7 +150,7 @@ static_assert(SlotsFollowTheirKinds(), "one routine per slot, none for the recor
 extern "C" uint32_t tqsClientProvWbxmlDeleteWapDoc(tqsWapDoc *ptWapDoc) {
     if (ptWapDoc == nullptr) return 0;
     if (ptWapDoc->ptCharacterList != nullptr) {
-        tqsListDeleteNodeAllAndList(ptWapDoc->ptCharacterList, ReleaseCharacterItem);
+        (void)tqsListDeleteNodeAllAndList(ptWapDoc->ptCharacterList, ReleaseCharacterItem);  // not null
         ptWapDoc->ptCharacterList = nullptr;
     }
     tqsMemFree_debug(ptWapDoc);
