@@ -114,35 +114,32 @@ constexpr Path kPxPhysicalPortService = Extend(kPxPhysicalPort, TQ_HOP(tqsCtxPor
 constexpr Path kBearer = Extend(kNapDef, kBearerList);
 
 // Composite getters.
-constexpr RecordQuery kProxyData{kPxLogical, TQ_ARRAY_THROUGH(tqsCtxPxLogical, pszReserved5), kNoMap};
+constexpr RecordQuery kProxyData{kPxLogical, TQ_ARRAY_OF(PxLogical), kNoMap};
 constexpr RecordQuery kPxAuthInfoData{Extend(kPxLogical, TQ_HOP(tqsCtxPxLogical, ptPxAuthInfo)),
-                                      TQ_ARRAY_THROUGH(tqsCtxPxAuthInfo, pszPxAuthPw), kNoMap};
+                                      TQ_ARRAY_OF(PxAuthInfo), kNoMap};
 constexpr RecordQuery kPxPhysicalData{kPxPhysical,
-                                      TQ_ARRAY_THROUGH(tqsCtxPxPhysical, pszPullEnabled),
+                                      TQ_ARRAY_OF(PxPhysical),
                                       {TQ_INDEX(tqsCtxPxPhysical, pszPxAddrType), TQS_JNI_MAP_PX_ADDR_TYPE}};
-constexpr RecordQuery kNapDefData{kNapDef,
-                                  TQ_ARRAY_THROUGH(tqsCtxNapDef, pszInit),
-                                  {TQ_INDEX(tqsCtxNapDef, pszNapAddrType), TQS_JNI_MAP_NAP_ADDR_TYPE}};
+constexpr RecordQuery kNapDefData{
+    kNapDef, TQ_ARRAY_OF(NapDef), {TQ_INDEX(tqsCtxNapDef, pszNapAddrType), TQS_JNI_MAP_NAP_ADDR_TYPE}};
 constexpr RecordQuery kNapAuthInfoData{kNapAuthInfo,
-                                       TQ_ARRAY_THROUGH(tqsCtxNapAuthInfo, pszReserved1),
+                                       TQ_ARRAY_OF(NapAuthInfo),
                                        {TQ_INDEX(tqsCtxNapAuthInfo, pszAuthType), TQS_JNI_MAP_AUTH_TYPE}};
-constexpr RecordQuery kValidityData{Extend(kNapDef, TQ_HOP(tqsCtxNapDef, ptValidity)),
-                                    TQ_ARRAY_THROUGH(tqsCtxValidity, pszValidUntil), kNoMap};
-constexpr RecordQuery kBootstrapData{kBootstrap, TQ_ARRAY_THROUGH(tqsCtxBootstrap, pszContextAllow), kNoMap};
+constexpr RecordQuery kValidityData{Extend(kNapDef, TQ_HOP(tqsCtxNapDef, ptValidity)), TQ_ARRAY_OF(Validity),
+                                    kNoMap};
+constexpr RecordQuery kBootstrapData{kBootstrap, TQ_ARRAY_OF(Bootstrap), kNoMap};
 constexpr RecordQuery kVenderConfigData{From(TQ_HOP(tqsClientProvCtx, ptVenderConfig)),
-                                        TQ_ARRAY_THROUGH(tqsCtxVenderConfig, pszParmValue), kNoMap};
-constexpr RecordQuery kApplicationData{kApplication, TQ_ARRAY_THROUGH(tqsCtxApplication, pszXcapTidHeader),
-                                       kNoMap};
-constexpr RecordQuery kAppAddrData{kAppAddr, TQ_ARRAY_THROUGH(tqsCtxAppAddr, pszAddrType), kNoMap};
+                                        TQ_ARRAY_OF(VendorConfig), kNoMap};
+constexpr RecordQuery kApplicationData{kApplication, TQ_ARRAY_OF(Application), kNoMap};
+constexpr RecordQuery kAppAddrData{kAppAddr, TQ_ARRAY_OF(AppAddr), kNoMap};
 constexpr RecordQuery kAppAuthData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptAppAuth)),
-                                   TQ_ARRAY_THROUGH(tqsCtxAppAuth, pszAAuthData),
+                                   TQ_ARRAY_OF(AppAuth),
                                    {TQ_INDEX(tqsCtxAppAuth, pszAAuthLevel), TQS_JNI_MAP_AAUTH_LEVEL}};
 constexpr RecordQuery kResourceData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptResource)),
-                                    TQ_ARRAY_THROUGH(tqsCtxResource, pszStartPage), kNoMap};
+                                    TQ_ARRAY_OF(Resource), kNoMap};
 constexpr RecordQuery kRoamingData{Extend(kApplication, TQ_HOP(tqsCtxApplication, ptRoaming)),
-                                   TQ_ARRAY_THROUGH(tqsCtxRoaming, pszSyncDefault), kNoMap};
-constexpr RecordQuery kWifiData{From(TQ_HOP(tqsClientProvCtx, ptWifi)),
-                                TQ_ARRAY_THROUGH(tqsCtxWifi, pszPriority), kNoMap};
+                                   TQ_ARRAY_OF(Roaming), kNoMap};
+constexpr RecordQuery kWifiData{From(TQ_HOP(tqsClientProvCtx, ptWifi)), TQ_ARRAY_OF(Wifi), kNoMap};
 
 // The array lengths the application relies on.
 static_assert(kProxyData.length == 14 && kPxAuthInfoData.length == 4 && kPxPhysicalData.length == 8 &&

@@ -17,6 +17,7 @@
 
 #include "tqomacp_jni_names.h"
 #include "tqsClientProvCtx.h"
+#include "tqsClientProvFields.h"
 
 namespace tqsjni {
 
@@ -99,8 +100,8 @@ struct RecordQuery {
 
 constexpr decltype(RecordQuery::mapped) kNoMap{-1, TQS_JNI_MAP_PX_ADDR_TYPE};
 
-// Number of leading string fields up to and including `last`, plus the end mark.
-#define TQ_ARRAY_THROUGH(Record, last) static_cast<jsize>(offsetof(Record, last) / sizeof(char *) + 2)
+// A record kind's string fields (they lead the record), plus the end mark.
+#define TQ_ARRAY_OF(kind) static_cast<jsize>(tqs::detail::StringCount<tqs::detail::Kind::kind>() + 1)
 #define TQ_INDEX(Record, field) static_cast<int>(offsetof(Record, field) / sizeof(char *))
 
 jint CountOf(const CountQuery &query, const jint *numbers);
