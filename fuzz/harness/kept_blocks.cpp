@@ -129,9 +129,28 @@ void WalkTreeList(const TqsList *list, bool characters, bool keepAll) {
     }
 }
 
-void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
-    if (record == nullptr) return;
+// --- context ---------------------------------------------------------------------
+void WalkCtxChain(const void *head, const Layout &layout, bool keepAll);
+
+void WalkStrNodes(const tqsCtxStrNode *node, bool keepAll) {
+    for (; node != nullptr; node = node->ptNext) {
+        if (keepAll) {
+            Note(node);
+            KeepString(node->pszStr);
+        } else {
+            Touch(node->pszStr);
+        }
+    }
+}
+
+// --- either ----------------------------------------------------------------------
+// One tree or context record; children through their own lists and chains.
+// Returns the ptNext field index, or -1 for a record without a chain.
+int WalkRecord(const void *record, const Layout &layout, bool keepAll) {
+    if (record == nullptr) return -1;
     if (keepAll) Note(record);
+    int next = -1;
+    int child = 0;
     for (std::size_t i = 0; layout.kinds[i] != '\0'; ++i) {
         void *value = Field(record, i);
         switch (layout.kinds[i]) {
@@ -151,51 +170,6 @@ void WalkTreeRecord(const void *record, const Layout &layout, bool keepAll) {
             case 'c':
                 WalkTreeList(static_cast<const TqsList *>(value), true, keepAll);
                 break;
-        }
-    }
-}
-
-void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
-    if (character == nullptr) return;
-    if (keepAll) Note(character);
-    for (std::size_t slot = 0; slot < rec::kSlotCount; ++slot) {
-        const void *record = Field(character, slot);
-        if (record == nullptr) continue;
-        // A record the tree never releases is kept whole (ROAMING).
-        WalkTreeRecord(record, kTreeLayouts[slot],
-                       keepAll || rec::kRecords[slot].treeRule == rec::TreeRule::Keep);
-    }
-}
-
-// --- context ---------------------------------------------------------------------
-void WalkCtxChain(const void *head, const Layout &layout, bool keepAll);
-
-void WalkStrNodes(const tqsCtxStrNode *node, bool keepAll) {
-    for (; node != nullptr; node = node->ptNext) {
-        if (keepAll) {
-            Note(node);
-            KeepString(node->pszStr);
-        } else {
-            Touch(node->pszStr);
-        }
-    }
-}
-
-// One record; children through their own chains. Returns the ptNext field
-// index, or -1 for a record without a chain.
-int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
-    if (keepAll) Note(record);
-    int next = -1;
-    int child = 0;
-    for (std::size_t i = 0; layout.kinds[i] != '\0'; ++i) {
-        void *value = Field(record, i);
-        switch (layout.kinds[i]) {
-            case 's':
-                keepAll ? KeepString(value) : Touch(value);
-                break;
-            case 'k':
-                KeepString(value);
-                break;
             case 'n':
                 WalkStrNodes(static_cast<const tqsCtxStrNode *>(value), keepAll);
                 break;
@@ -213,9 +187,19 @@ int WalkCtxRecord(const void *record, const Layout &layout, bool keepAll) {
     return next;
 }
 
+void WalkCharacter(const tqsWapCharacter *character, bool keepAll) {
+    if (character == nullptr) return;
+    if (keepAll) Note(character);
+    for (std::size_t slot = 0; slot < rec::kSlotCount; ++slot) {
+        // A record the tree never releases is kept whole (ROAMING).
+        WalkRecord(Field(character, slot), kTreeLayouts[slot],
+                   keepAll || rec::kRecords[slot].treeRule == rec::TreeRule::Keep);
+    }
+}
+
 void WalkCtxChain(const void *head, const Layout &layout, bool keepAll) {
     for (const void *record = head; record != nullptr;) {
-        const int next = WalkCtxRecord(record, layout, keepAll);
+        const int next = WalkRecord(record, layout, keepAll);
         record = next < 0 ? nullptr : Field(record, static_cast<std::size_t>(next));
     }
 }
@@ -231,7 +215,7 @@ void NoteKeptInDoc(const tqsWapDoc *doc) {
 }
 
 void NoteKeptInContext(const tqsClientProvCtx *ctx) {
-    if (ctx != nullptr) WalkCtxRecord(ctx, CtxOf(rec::Kind::Root), false);
+    if (ctx != nullptr) WalkRecord(ctx, CtxOf(rec::Kind::Root), false);
 }
 
 void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out) {
@@ -241,7 +225,7 @@ void ContextStrings(const tqsClientProvCtx *ctx, std::vector<std::string> *out) 
 }
 
 void NoteWholeNapDef(const tqsCtxNapDef *napDef) {
-    if (napDef != nullptr) WalkCtxRecord(napDef, CtxOf(rec::Kind::NapDef), true);
+    if (napDef != nullptr) WalkRecord(napDef, CtxOf(rec::Kind::NapDef), true);
 }
 
 }  // namespace fuzz
@@ -269,17 +253,17 @@ uint32_t __wrap_tqsClientProvWbxmlDeleteCharacter(tqsWapCharacter *character) {
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteNapDef(tqsWapNapDef *record) {
-    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::NapDef), false);
+    fuzz::WalkRecord(record, fuzz::TreeOf(tqs::detail::Kind::NapDef), false);
     return __real_tqsClientProvWbxmlDeleteNapDef(record);
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteApplication(tqsWapApplication *record) {
-    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::Application), false);
+    fuzz::WalkRecord(record, fuzz::TreeOf(tqs::detail::Kind::Application), false);
     return __real_tqsClientProvWbxmlDeleteApplication(record);
 }
 
 uint32_t __wrap_tqsClientProvWbxmlDeleteVendorConfig(tqsWapVendorConfig *record) {
-    fuzz::WalkTreeRecord(record, fuzz::TreeOf(tqs::detail::Kind::VendorConfig), false);
+    fuzz::WalkRecord(record, fuzz::TreeOf(tqs::detail::Kind::VendorConfig), false);
     return __real_tqsClientProvWbxmlDeleteVendorConfig(record);
 }
 
