@@ -12,6 +12,7 @@ packages=(
   default-jdk-headless junit4 proguard-cli libjetbrains-annotations-java
   qemu-user g++-aarch64-linux-gnu
   binutils
+  openjdk-17-jre-headless:arm64
 )
 missing=()
 for p in "${packages[@]}"; do
@@ -21,6 +22,8 @@ if [ ${#missing[@]} -gt 0 ]; then
   SUDO=""
   [ "$(id -u)" -ne 0 ] && SUDO="sudo"
   export DEBIAN_FRONTEND=noninteractive
+  # The arm64 build runs its JVM tests in an aarch64 VM under qemu-user.
+  dpkg --print-foreign-architectures | grep -qx arm64 || $SUDO dpkg --add-architecture arm64
   $SUDO apt-get update -qq
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi

@@ -3,9 +3,13 @@
 # default rule for natives, obfuscation on) and runs it with -Xcheck:jni. With
 # the rules the jar carries it must load the library and print the bearer of
 # the push; without them the library's registration must fail.
-# Usage: keep_rules.sh PROGUARD JDK_BIN TQOMACP_JAR LIBRARY_DIR PDU WORK_DIR
+# Usage: keep_rules.sh PROGUARD JDK_BIN TQOMACP_JAR LIBRARY_DIR PDU WORK_DIR [JAVA...]
+# JAVA is the VM that loads LIBRARY_DIR's library (default: JDK_BIN's).
 set -euo pipefail
 proguard=$1 jdk=$2 lib_jar=$3 lib_dir=$4 pdu=$5 work=$6
+shift 6
+java=("$@")
+[ ${#java[@]} -gt 0 ] || java=("$jdk/java")
 here=$(cd "$(dirname "$0")" && pwd)
 fail() { echo "FAIL: $*" >&2; exit 1; }
 [ -x "$proguard" ] || fail "no proguard ($proguard): install proguard-cli (scripts/setup.sh)"
@@ -26,7 +30,7 @@ cat >app.pro <<PRO
 PRO
 run() { # SHRUNK_JAR [RULES...]
   "$proguard" @app.pro -outjars "$@" >proguard.log || { cat proguard.log; fail "proguard failed"; }
-  "$jdk/java" -Xcheck:jni -Djava.library.path="$lib_dir" -cp "$1" KeepRulesApp "$pdu" 2>&1
+  "${java[@]}" -Xcheck:jni -Djava.library.path="$lib_dir" -cp "$1" KeepRulesApp "$pdu" 2>&1
 }
 
 out=$(run with-rules.jar -include META-INF/proguard/tqomacp.pro) || fail "with the shipped rules: $out"

@@ -43,11 +43,13 @@ public class RegistrationTest {
    */
   private static Map<String, List<String>> probe(String classPath, String load, boolean loaded)
       throws Exception {
-    String java = Paths.get(System.getProperty("java.home"), "bin", "java").toString();
-    Process process = new ProcessBuilder(java, "-Xlog:jni+resolve=debug",
+    // The VM command, '|'-separated: in a cross build it runs under an emulator.
+    List<String> command = new ArrayList<>(Arrays.asList(System.getProperty("tqomacp.vm",
+        Paths.get(System.getProperty("java.home"), "bin", "java").toString()).split("\\|")));
+    command.addAll(Arrays.asList("-Xlog:jni+resolve=debug",
         "-Djava.library.path=" + System.getProperty("java.library.path"),
-        "-cp", classPath + File.pathSeparator + TEST_CLASSES, RegistrationProbe.class.getName())
-        .redirectErrorStream(true).start();
+        "-cp", classPath + File.pathSeparator + TEST_CLASSES, RegistrationProbe.class.getName()));
+    Process process = new ProcessBuilder(command).redirectErrorStream(true).start();
     String output;
     try (InputStream in = process.getInputStream()) {
       output = new String(in.readAllBytes(), StandardCharsets.UTF_8);
