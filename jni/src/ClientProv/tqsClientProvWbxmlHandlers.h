@@ -245,94 +245,41 @@ struct ParmHandler {
     uint8_t nTraces = kTraceNone;
 };
 
-#define TQS_PARMS(table) .ptEntries = table.atEntries, .ptIndex = &table.tIndex
+// k<Kind>Handler: the descriptor of the entry point tqsClientProvWbxmlDecoderParam<name>,
+// which is also the name it traces on entry; its parm table is k<Kind>Parms;
+// the quirks follow as designated initializers.
+#define TQS_PARM_HANDLER(name, Kind, ...)                                                     \
+    constexpr ParmHandler k##Kind##Handler{.pszName = "tqsClientProvWbxmlDecoderParam" #name, \
+                                           .ptEntries = k##Kind##Parms.atEntries,             \
+                                           .ptIndex = &k##Kind##Parms.tIndex __VA_OPT__(, ) __VA_ARGS__};
 
-constexpr ParmHandler kPxLogicalHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamPxlogical",
-    TQS_PARMS(kPxLogicalParms),
-    .nTraces = kTraceEndCode,
-};
-constexpr ParmHandler kPxAuthInfoHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamPxAuthInfo",
-    TQS_PARMS(kPxAuthInfoParms),
-    .nTraces = kTraceIdAround,
-};
-constexpr ParmHandler kPortHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamPort",
-    TQS_PARMS(kPortParms),
-};
-constexpr ParmHandler kPxPhysicalHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamPxPhysical",
-    TQS_PARMS(kPxPhysicalParms),
-};
-constexpr ParmHandler kNapDefHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamNapDef",
-    TQS_PARMS(kNapDefParms),
-    .pfnName = CallName<tqsWapNapDef, tqsClientProvWbxmlDecoderParamNapNameString>,
-    .bNapDefUnknownLine = true,
-};
-constexpr ParmHandler kNapAuthInfoHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamNapAuthInfo",
-    TQS_PARMS(kNapAuthInfoParms),
-};
-constexpr ParmHandler kValidityHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamValidity",
-    TQS_PARMS(kValidityParms),
-};
-constexpr ParmHandler kApplicationHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamApplication",
-    TQS_PARMS(kApplicationParms),
-    .pfnName = CallName<tqsWapApplication, tqsClientProvWbxmlDecoderParamAppNameString>,
-    .nTraces = kTraceIdAfter,
-};
-constexpr ParmHandler kAppAddrHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamAppAddr",
-    TQS_PARMS(kAppAddrParms),
-};
-constexpr ParmHandler kAppAuthHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamAppAuth",
-    TQS_PARMS(kAppAuthParms),
-    .bRawPeekAfterSwitch = true,
-};
-constexpr ParmHandler kResourceHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamResource",
-    TQS_PARMS(kResourceParms),
-    .bRawPeekAfterSwitch = true,
-};
-constexpr ParmHandler kBootstrapHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamBootstrap",
-    TQS_PARMS(kBootstrapParms),
-};
-constexpr ParmHandler kVendorConfigHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamVendorConfig",
-    TQS_PARMS(kVendorConfigParms),
-    .pfnName = CallVendorName,
-};
-constexpr ParmHandler kClientIdentityHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamClientIdentity",
-    TQS_PARMS(kClientIdentityParms),
-};
-constexpr ParmHandler kAccessHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamAccess",
-    TQS_PARMS(kAccessParms),
-};
-// ROAMING and WI-FI trace ACCESS's name for an unknown byte, and ROAMING its
-// own name as "...ParamRoming": both lines are the system's own, kept so.
-constexpr ParmHandler kRoamingHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamRoming",
-    TQS_PARMS(kRoamingParms),
-    .pfnName = CallName<tqsWapRoaming, tqsClientProvWbxmlDecoderParamRoamingNameString>,
-    .pszUnknownOwner = "tqsClientProvWbxmlDecoderParamAccess",
-    .bNeedsRecord = false,
-};
-constexpr ParmHandler kWifiHandler{
-    .pszName = "tqsClientProvWbxmlDecoderParamWifi",
-    TQS_PARMS(kWifiParms),
-    .pfnName = CallName<tqsWapWifi, tqsClientProvWbxmlDecoderParamWifiNameString>,
-    .pszUnknownOwner = "tqsClientProvWbxmlDecoderParamAccess",
-    .bNeedsRecord = false,
-};
-#undef TQS_PARMS
+TQS_PARM_HANDLER(Pxlogical, PxLogical, .nTraces = kTraceEndCode)
+TQS_PARM_HANDLER(PxAuthInfo, PxAuthInfo, .nTraces = kTraceIdAround)
+TQS_PARM_HANDLER(Port, Port)
+TQS_PARM_HANDLER(PxPhysical, PxPhysical)
+TQS_PARM_HANDLER(NapDef, NapDef,
+                 .pfnName = CallName<tqsWapNapDef, tqsClientProvWbxmlDecoderParamNapNameString>,
+                 .bNapDefUnknownLine = true)
+TQS_PARM_HANDLER(NapAuthInfo, NapAuthInfo)
+TQS_PARM_HANDLER(Validity, Validity)
+TQS_PARM_HANDLER(Application, Application,
+                 .pfnName = CallName<tqsWapApplication, tqsClientProvWbxmlDecoderParamAppNameString>,
+                 .nTraces = kTraceIdAfter)
+TQS_PARM_HANDLER(AppAddr, AppAddr)
+TQS_PARM_HANDLER(AppAuth, AppAuth, .bRawPeekAfterSwitch = true)
+TQS_PARM_HANDLER(Resource, Resource, .bRawPeekAfterSwitch = true)
+TQS_PARM_HANDLER(Bootstrap, Bootstrap)
+TQS_PARM_HANDLER(VendorConfig, VendorConfig, .pfnName = CallVendorName)
+TQS_PARM_HANDLER(ClientIdentity, ClientIdentity)
+TQS_PARM_HANDLER(Access, Access)
+// ROAMING traces its own name as "...ParamRoming", and ROAMING and WI-FI
+// trace ACCESS's name for an unknown byte: the system's own lines, kept so.
+TQS_PARM_HANDLER(Roming, Roaming,
+                 .pfnName = CallName<tqsWapRoaming, tqsClientProvWbxmlDecoderParamRoamingNameString>,
+                 .pszUnknownOwner = "tqsClientProvWbxmlDecoderParamAccess", .bNeedsRecord = false)
+TQS_PARM_HANDLER(Wifi, Wifi, .pfnName = CallName<tqsWapWifi, tqsClientProvWbxmlDecoderParamWifiNameString>,
+                 .pszUnknownOwner = "tqsClientProvWbxmlDecoderParamAccess", .bNeedsRecord = false)
+#undef TQS_PARM_HANDLER
 
 // ---- Inline-named parms ----------------------------------------------------
 
