@@ -2,6 +2,7 @@
 // application's mapped values in context JSON and the header rejection reasons.
 #include <gtest/gtest.h>
 
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "records.h"
 #include "sample.h"
 #include "textout.h"
+#include "tqsClientProvFields.h"
 #include "tqslist.h"
 #include "tokens.h"
 #include "tqsClientProvWbxmlDecoder.h"
@@ -144,6 +146,17 @@ TEST(Tokens, TypeAndParmNames) {
     EXPECT_STREQ(ParmName(0x47, true), "PULLENABLED");
     EXPECT_EQ(ParmName(0x40, false), nullptr);
     EXPECT_EQ(ParmName(0x50, true), nullptr);
+}
+
+// The records' field lists and the page tables name every parm token alike.
+TEST(Tokens, FieldListParmsAreTheTokensOfTheirPage) {
+    for (const tqs::detail::RecordInfo &r : tqs::detail::kRecords) {
+        for (const tqs::detail::Field &f : std::span(r.fields, r.count)) {
+            if (f.token == 0) continue;
+            const char *name = ParmOnPage(f.token, f.page);
+            EXPECT_STREQ(name != nullptr ? name : "(none)", f.name) << r.type << " " << int(f.token);
+        }
+    }
 }
 
 TEST(Tokens, HeaderCodes) {
