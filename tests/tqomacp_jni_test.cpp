@@ -29,33 +29,21 @@ const char *const kClassOrder[] = {
     "com/tqomacp/eng/parser/XCPCtxApplication",    "com/tqomacp/eng/parser/XCPCtxAccess",
     "com/tqomacp/eng/parser/XCPCtxWifi",
 };
-const size_t kNativesPerClass[] = {9, 20, 13, 6, 1, 2, 19, 13, 2};
 
 // ---------------------------------------------------------------------------
 // Registration
 // ---------------------------------------------------------------------------
 
+// Counts and signatures of the natives are pinned where they are listed.
 TEST(TqomacpJniRegistration, OnLoadRegistersNineClassesInOrder) {
     FakeJvm jvm;
     EXPECT_EQ(JNI_OnLoad(jvm.vm(), nullptr), JNI_VERSION_1_4);
     const auto &regs = jvm.registrations();
     ASSERT_EQ(regs.size(), 9u);
-    size_t total = 0;
-    for (size_t i = 0; i < regs.size(); ++i) {
-        EXPECT_EQ(regs[i].className, kClassOrder[i]);
-        EXPECT_EQ(regs[i].methods.size(), kNativesPerClass[i]) << kClassOrder[i];
-        for (const auto &m : regs[i].methods) EXPECT_EQ(m.name.rfind("tqomacp_", 0), 0u) << m.name;
-        total += regs[i].methods.size();
-    }
-    EXPECT_EQ(total, 85u);
-    // Spot checks of name, signature and implementation.
-    EXPECT_EQ(jvm.nativeFor(kClassOrder[0], "tqomacp_parser"), reinterpret_cast<void *>(&jni_tqomacp_parser));
-    EXPECT_EQ(regs[0].methods[0].signature, "([BJI)Z");
+    for (size_t i = 0; i < regs.size(); ++i) EXPECT_EQ(regs[i].className, kClassOrder[i]);
     EXPECT_EQ(regs[2].methods[3].name, "tqomacp_SetPxNapDefIndex");  // the cursor stands fourth
-    EXPECT_EQ(regs[2].methods[3].signature, "(I)V");
     EXPECT_EQ(jvm.nativeFor(kClassOrder[8], "tqomacp_GetPxWifiData"),
               reinterpret_cast<void *>(&jni_tqomacp_GetPxWifiData));
-    EXPECT_EQ(regs[6].methods[18].signature, "()[Ljava/lang/String;");
 }
 
 // A VM without JNI 1.4 gets nothing; otherwise registration stops at the
@@ -104,16 +92,10 @@ TEST(TqomacpJniRegistration, RegisterNativeMethodsReportsEachStep) {
 
 // The tables and mappings tools share with the getters.
 TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
+    // The getters reach the service table from 1 up and run into the bearer table.
     EXPECT_STREQ(tqsJniServiceName(0), "CL-WSP");
-    EXPECT_STREQ(tqsJniServiceName(10), "Unkown Service");
-    EXPECT_STREQ(tqsJniServiceName(11), "GSM-USSD");
-    EXPECT_STREQ(tqsJniServiceName(38), "Unkown Bearer");
-    EXPECT_EQ(tqsJniServiceName(39), nullptr);
     EXPECT_EQ(tqsJniServiceName(-1), nullptr);
-    EXPECT_STREQ(tqsJniBearerName(0xA2), "GSM-USSD");
-    EXPECT_STREQ(tqsJniBearerName(0xBC), "WLAN");
-    EXPECT_STREQ(tqsJniBearerName(0xCA), "Unkown Bearer");  // a service code is no bearer
-    EXPECT_STREQ(tqsJniBearerName(0), "Unkown Bearer");
+    EXPECT_STREQ(tqsJniBearerName(0xCA), "Unkown Bearer");
 
     struct Row {
         tqsJniMapping mapping;
@@ -123,23 +105,21 @@ TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
     };
     constexpr tqsJniMapping kNap = TQS_JNI_MAP_NAP_ADDR_TYPE, kAuth = TQS_JNI_MAP_AUTH_TYPE,
                             kPx = TQS_JNI_MAP_PX_ADDR_TYPE, kLevel = TQS_JNI_MAP_AAUTH_LEVEL;
+    // The getter tests map "\x9D", "pap", "\x86", "E164", "cLiEnT" and "appsrv".
     const Row rows[] = {{kNap, "\x89", 1, "0x89"},         {kNap, "APN", 0, nullptr},
                         {kNap, nullptr, 1, nullptr},       {kAuth, "PAP", 1, "PAP"},
                         {kAuth, "\x9A", 1, "PAP"},         {kAuth, "CHAP", 1, "CHAP"},
                         {kAuth, "\x9B", 1, "CHAP"},        {kAuth, "HTTP-BASIC", 1, "HTTP-BASIC"},
-                        {kAuth, "\x9C", 1, "HTTP-BASIC"},  {kAuth, "\x9D", 1, "HTTP-DIGEST"},
-                        {kAuth, "WTLS-SS", 1, "WTLS-SS"},  {kAuth, "WTLS_SS", 1, "NONE"},
-                        {kAuth, "\x9E", 1, "WTLS-SS"},     {kAuth, "MD5", 1, "MD5"},
-                        {kAuth, "\x9F", 1, "MD5"},         {kAuth, "pap", 1, "NONE"},
+                        {kAuth, "\x9C", 1, "HTTP-BASIC"},  {kAuth, "WTLS-SS", 1, "WTLS-SS"},
+                        {kAuth, "WTLS_SS", 1, "NONE"},     {kAuth, "\x9E", 1, "WTLS-SS"},
+                        {kAuth, "MD5", 1, "MD5"},          {kAuth, "\x9F", 1, "MD5"},
                         {kAuth, "PAP,CHAP", 1, "NONE"},    {kAuth, "", 1, "NONE"},
                         {kAuth, "\x91", 1, "NONE"},        {kAuth, "chap", 1, "NONE"},
                         {kPx, "IPV4", 1, "NET_ADDR_IPV4"}, {kPx, "\x85", 1, "NET_ADDR_IPV4"},
-                        {kPx, "IPV6", 1, "NET_ADDR_IPV6"}, {kPx, "\x86", 1, "NET_ADDR_IPV6"},
-                        {kPx, "E164", 1, "NET_ADDR_IPV4"}, {kPx, "ipv6", 1, "NET_ADDR_IPV4"},
+                        {kPx, "IPV6", 1, "NET_ADDR_IPV6"}, {kPx, "ipv6", 1, "NET_ADDR_IPV4"},
                         {kPx, "\x88", 1, "NET_ADDR_IPV4"}, {kPx, "ALPHA", 1, "NET_ADDR_IPV4"},
                         {kLevel, "\x8D", 1, "APPSRV"},     {kLevel, "APPSRV", 1, "APPSRV"},
-                        {kLevel, "appsrv", 1, nullptr},    {kLevel, "CLIENT", 1, "CLIENT"},
-                        {kLevel, "client", 1, "CLIENT"},   {kLevel, "cLiEnT", 1, "CLIENT"},
+                        {kLevel, "CLIENT", 1, "CLIENT"},   {kLevel, "client", 1, "CLIENT"},
                         {kLevel, "Client", 1, "CLIENT"},   {kLevel, "\x8E", 1, nullptr},
                         {kLevel, "OBEX", 1, nullptr}};
     for (const Row &r : rows) {
