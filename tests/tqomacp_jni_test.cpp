@@ -77,18 +77,6 @@ TEST(TqomacpJniRegistration, StopsAtTheFirstFailingClass) {
     }
 }
 
-TEST(TqomacpJniRegistration, RegisterNativeMethodsReportsEachStep) {
-    FakeJvm jvm;
-    JNINativeMethod m = {const_cast<char *>("tqomacp_GetPxWifiCount"), const_cast<char *>("()I"),
-                         reinterpret_cast<void *>(&jni_tqomacp_GetPxWifiCount)};
-    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/A", &m, 1), 1);
-    jvm.hideClass("com/x/B");
-    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/B", &m, 1), 0);
-    jvm.failRegistration("com/x/C");
-    EXPECT_EQ(registerNativeMethods(jvm.env(), "com/x/C", &m, 1), 0);
-    EXPECT_EQ(jvm.registrations().size(), 1u);
-}
-
 // The tables and mappings tools share with the getters.
 TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
     // The getters reach the service table from 1 up and run into the bearer table.
