@@ -543,25 +543,30 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
 
 // ---- record converters ----------------------------------------------------------
 
-extern "C" tqsCtxPxLogical *tqsClientProvCtxVerifyContextPxLogical(const tqsWapPxLogical *ptWap) {
-    return Convert<tqsCtxPxLogical>(__func__, ptWap, kConvert<rec::Kind::PxLogical>);
-}
-
-extern "C" tqsCtxPxAuthInfo *tqsClientProvCtxVerifyContextPxAuthInfo(const tqsWapPxAuthInfo *ptWap) {
-    return Convert<tqsCtxPxAuthInfo>(__func__, ptWap, kConvert<rec::Kind::PxAuthInfo>);
-}
-
-extern "C" tqsCtxPort *tqsClientProvCtxVerifyContextPort(const tqsWapPort *ptWap) {
-    return Convert<tqsCtxPort>(__func__, ptWap, kConvert<rec::Kind::Port>);
-}
-
-extern "C" tqsCtxPxPhysical *tqsClientProvCtxVerifyContextPxPhysical(const tqsWapPxPhysical *ptWap) {
-    return Convert<tqsCtxPxPhysical>(__func__, ptWap, kConvert<rec::Kind::PxPhysical>);
-}
-
-extern "C" tqsCtxNapDef *tqsClientProvCtxVerifyContextNapdef(const tqsWapNapDef *ptWap) {
-    return Convert<tqsCtxNapDef>(__func__, ptWap, kConvert<rec::Kind::NapDef>);
-}
+#define TQS_DEFINE_CONVERTER(name, Wap, Ctx, kind)                       \
+    extern "C" Ctx *name(const Wap *ptWap) {                             \
+        return Convert<Ctx>(__func__, ptWap, kConvert<rec::Kind::kind>); \
+    }
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxLogical, tqsWapPxLogical, tqsCtxPxLogical, PxLogical)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxAuthInfo, tqsWapPxAuthInfo, tqsCtxPxAuthInfo, PxAuthInfo)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPort, tqsWapPort, tqsCtxPort, Port)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxPhysical, tqsWapPxPhysical, tqsCtxPxPhysical, PxPhysical)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextNapdef, tqsWapNapDef, tqsCtxNapDef, NapDef)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextValidity, tqsWapValidity, tqsCtxValidity, Validity)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextBootstrap, tqsWapBootstrap, tqsCtxBootstrap, Bootstrap)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextClientIdent, tqsWapClientIdentity, tqsCtxClientIdent,
+                     ClientIdentity)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextVenderConfig, tqsWapVendorConfig, tqsCtxVenderConfig,
+                     VendorConfig)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextApplication, tqsWapApplication, tqsCtxApplication,
+                     Application)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAddr, tqsWapAppAddr, tqsCtxAppAddr, AppAddr)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAuth, tqsWapAppAuth, tqsCtxAppAuth, AppAuth)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextResource, tqsWapResource, tqsCtxResource, Resource)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextRoaming, tqsWapRoaming, tqsCtxRoaming, Roaming)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAccess, tqsWapAccess, tqsCtxAccess, Access)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextWifi, tqsWapWifi, tqsCtxWifi, Wifi)
+#undef TQS_DEFINE_CONVERTER
 
 extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqsWapNapAuthInfo *ptWap) {
     tqsCtxNapAuthInfo *ptCtx = Convert<tqsCtxNapAuthInfo>(__func__, ptWap, kConvert<rec::Kind::NapAuthInfo>);
@@ -575,209 +580,84 @@ extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqs
     return ptCtx;
 }
 
-extern "C" tqsCtxValidity *tqsClientProvCtxVerifyContextValidity(const tqsWapValidity *ptWap) {
-    return Convert<tqsCtxValidity>(__func__, ptWap, kConvert<rec::Kind::Validity>);
-}
-
-extern "C" tqsCtxBootstrap *tqsClientProvCtxVerifyContextBootstrap(const tqsWapBootstrap *ptWap) {
-    return Convert<tqsCtxBootstrap>(__func__, ptWap, kConvert<rec::Kind::Bootstrap>);
-}
-
-extern "C" tqsCtxClientIdent *tqsClientProvCtxVerifyContextClientIdent(const tqsWapClientIdentity *ptWap) {
-    return Convert<tqsCtxClientIdent>(__func__, ptWap, kConvert<rec::Kind::ClientIdentity>);
-}
-
-extern "C" tqsCtxVenderConfig *tqsClientProvCtxVerifyContextVenderConfig(const tqsWapVendorConfig *ptWap) {
-    return Convert<tqsCtxVenderConfig>(__func__, ptWap, kConvert<rec::Kind::VendorConfig>);
-}
-
-extern "C" tqsCtxApplication *tqsClientProvCtxVerifyContextApplication(const tqsWapApplication *ptWap) {
-    return Convert<tqsCtxApplication>(__func__, ptWap, kConvert<rec::Kind::Application>);
-}
-
-extern "C" tqsCtxAppAddr *tqsClientProvCtxVerifyContextAppAddr(const tqsWapAppAddr *ptWap) {
-    return Convert<tqsCtxAppAddr>(__func__, ptWap, kConvert<rec::Kind::AppAddr>);
-}
-
-extern "C" tqsCtxAppAuth *tqsClientProvCtxVerifyContextAppAuth(const tqsWapAppAuth *ptWap) {
-    return Convert<tqsCtxAppAuth>(__func__, ptWap, kConvert<rec::Kind::AppAuth>);
-}
-
-extern "C" tqsCtxResource *tqsClientProvCtxVerifyContextResource(const tqsWapResource *ptWap) {
-    return Convert<tqsCtxResource>(__func__, ptWap, kConvert<rec::Kind::Resource>);
-}
-
-extern "C" tqsCtxRoaming *tqsClientProvCtxVerifyContextRoaming(const tqsWapRoaming *ptWap) {
-    return Convert<tqsCtxRoaming>(__func__, ptWap, kConvert<rec::Kind::Roaming>);
-}
-
-extern "C" tqsCtxAccess *tqsClientProvCtxVerifyContextAccess(const tqsWapAccess *ptWap) {
-    return Convert<tqsCtxAccess>(__func__, ptWap, kConvert<rec::Kind::Access>);
-}
-
-extern "C" tqsCtxWifi *tqsClientProvCtxVerifyContextWifi(const tqsWapWifi *ptWap) {
-    return Convert<tqsCtxWifi>(__func__, ptWap, kConvert<rec::Kind::Wifi>);
-}
-
 // ---- string-list converters -------------------------------------------------------
 
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextToAddrList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextToProxyList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextPortNbrList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextAppIdList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextRuleList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextNetworkList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextProxyIdList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextAuthEntityList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextBearerList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextDnsAddrList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextToNapIdList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextServiceList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
-extern "C" tqsCtxStrNode *tqsClientProvCtxVerifyContextDomainList(TqsList *ptList) {
-    return ConvertStrList(__func__, ptList);
-}
+#define TQS_DEFINE_LIST_CONVERTER(name)               \
+    extern "C" tqsCtxStrNode *name(TqsList *ptList) { \
+        return ConvertStrList(__func__, ptList);      \
+    }
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextToAddrList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextToProxyList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextPortNbrList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextAppIdList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextRuleList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextNetworkList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextProxyIdList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextAuthEntityList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextBearerList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextDnsAddrList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextToNapIdList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextServiceList)
+TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextDomainList)
+#undef TQS_DEFINE_LIST_CONVERTER
 
 // ---- child distributors ------------------------------------------------------------
 
-extern "C" uint32_t tqsClientProvCtxVerifyCharacterPxLogical(TqsList *ptCharacterList,
-                                                             tqsCtxPxLogical *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::PxLogical>);
-}
-
-extern "C" uint32_t tqsClientProvCtxVerifyCharacterPxPhysical(TqsList *ptCharacterList,
-                                                              tqsCtxPxPhysical *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::PxPhysical>);
-}
-
-extern "C" uint32_t tqsClientProvCtxVerifyCharacterAppAddr(TqsList *ptCharacterList,
-                                                           tqsCtxAppAddr *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::AppAddr>);
-}
-
-extern "C" uint32_t tqsClientProvCtxVerifyCharacterNapDef(TqsList *ptCharacterList, tqsCtxNapDef *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::NapDef>);
-}
-
-extern "C" uint32_t tqsClientProvCtxVerifyCharacterApplication(TqsList *ptCharacterList,
-                                                               tqsCtxApplication *ptParent) {
-    return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::Application>);
-}
+#define TQS_DEFINE_DISTRIBUTOR(name, Parent, kind)                                          \
+    extern "C" uint32_t name(TqsList *ptCharacterList, Parent *ptParent) {                  \
+        return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::kind>); \
+    }
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxLogical, tqsCtxPxLogical, PxLogical)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxPhysical, tqsCtxPxPhysical, PxPhysical)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterAppAddr, tqsCtxAppAddr, AppAddr)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterNapDef, tqsCtxNapDef, NapDef)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterApplication, tqsCtxApplication, Application)
+#undef TQS_DEFINE_DISTRIBUTOR
 
 // ---- release ---------------------------------------------------------------------------
 
 extern "C" void tqsClientProvCtxDelectContext(tqsClientProvCtx *ptCtx) {
     ReleaseChain(__func__, ptCtx, kRelease<rec::Kind::Root>);
 }
-extern "C" void tqsClientProvCtxDelectContextPxLogical(tqsCtxPxLogical *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxLogical>);
-}
-extern "C" void tqsClientProvCtxDelectContextPxAuthInfo(tqsCtxPxAuthInfo *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxAuthInfo>);
-}
-extern "C" void tqsClientProvCtxDelectContextPort(tqsCtxPort *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Port>);
-}
-extern "C" void tqsClientProvCtxDelectContextPxPhysical(tqsCtxPxPhysical *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::PxPhysical>);
-}
-extern "C" void tqsClientProvCtxDelectContextNapDef(tqsCtxNapDef *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::NapDef>);
-}
-extern "C" void tqsClientProvCtxDelectContextNapAuthInfo(tqsCtxNapAuthInfo *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::NapAuthInfo>);
-}
-extern "C" void tqsClientProvCtxDelectContextValidity(tqsCtxValidity *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Validity>);
-}
-extern "C" void tqsClientProvCtxDelectContextBootstrap(tqsCtxBootstrap *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Bootstrap>);
-}
-extern "C" void tqsClientProvCtxDelectContextClientIdent(tqsCtxClientIdent *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::ClientIdentity>);
-}
-extern "C" void tqsClientProvCtxDelectContextVenderConfig(tqsCtxVenderConfig *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::VendorConfig>);
-}
-extern "C" void tqsClientProvCtxDelectContextApplication(tqsCtxApplication *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Application>);
-}
-extern "C" void tqsClientProvCtxDelectContextAppAddr(tqsCtxAppAddr *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::AppAddr>);
-}
-extern "C" void tqsClientProvCtxDelectContextAppAuth(tqsCtxAppAuth *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::AppAuth>);
-}
-extern "C" void tqsClientProvCtxDelectContextResource(tqsCtxResource *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Resource>);
-}
-extern "C" void tqsClientProvCtxDelectContextAccess(tqsCtxAccess *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Access>);
-}
-// Nothing calls it: the root release leaves the WI-FI chain allocated.
-extern "C" void tqsClientProvCtxDelectContextWifi(tqsCtxWifi *ptRec) {
-    ReleaseChain(__func__, ptRec, kRelease<rec::Kind::Wifi>);
-}
 
-extern "C" void tqsClientProvCtxDelectContextRuleList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextAppIdList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextPortNbrList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextDomainList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextToNapIdList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextToProxyList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextToAddrList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextServiceList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextNetworkList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextProxyIdList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextDnsAddrList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextBearerList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
-extern "C" void tqsClientProvCtxDelectContextAuthEntityList(tqsCtxStrNode *ptNode) {
-    ReleaseStrChain(__func__, ptNode);
-}
+#define TQS_DEFINE_RELEASE(name, Ctx, kind)                       \
+    extern "C" void name(Ctx *ptRec) {                            \
+        ReleaseChain(__func__, ptRec, kRelease<rec::Kind::kind>); \
+    }
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxLogical, tqsCtxPxLogical, PxLogical)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxAuthInfo, tqsCtxPxAuthInfo, PxAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPort, tqsCtxPort, Port)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxPhysical, tqsCtxPxPhysical, PxPhysical)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapDef, tqsCtxNapDef, NapDef)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapAuthInfo, tqsCtxNapAuthInfo, NapAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextValidity, tqsCtxValidity, Validity)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextBootstrap, tqsCtxBootstrap, Bootstrap)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextClientIdent, tqsCtxClientIdent, ClientIdentity)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextVenderConfig, tqsCtxVenderConfig, VendorConfig)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextApplication, tqsCtxApplication, Application)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAddr, tqsCtxAppAddr, AppAddr)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAuth, tqsCtxAppAuth, AppAuth)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextResource, tqsCtxResource, Resource)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAccess, tqsCtxAccess, Access)
+// Nothing calls it: the root release leaves the WI-FI chain allocated.
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextWifi, tqsCtxWifi, Wifi)
+#undef TQS_DEFINE_RELEASE
+
+#define TQS_DEFINE_LIST_RELEASE(name)             \
+    extern "C" void name(tqsCtxStrNode *ptNode) { \
+        ReleaseStrChain(__func__, ptNode);        \
+    }
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextRuleList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextAppIdList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextPortNbrList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextDomainList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextToNapIdList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextToProxyList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextToAddrList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextServiceList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextNetworkList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextProxyIdList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextDnsAddrList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextBearerList)
+TQS_DEFINE_LIST_RELEASE(tqsClientProvCtxDelectContextAuthEntityList)
+#undef TQS_DEFINE_LIST_RELEASE
