@@ -244,7 +244,8 @@ void *ConvertRecord(const char *name, const void *wap, const ConvertDesc &d) {
 }
 
 // The release loops trace the routine's name once per record, as a call per
-// record would.
+// record would. A string chain has a loop of its own: lists are released more
+// often than any record.
 void ReleaseStrChain(const char *name, tqsCtxStrNode *node) {
     if (node == nullptr) {
         tqcTraceFunction(name);
@@ -543,29 +544,27 @@ extern "C" uint32_t tqsClientProvCtxVerifyContext(TqsList *ptCharacterList, tqsC
 
 // ---- record converters ----------------------------------------------------------
 
-#define TQS_DEFINE_CONVERTER(name, Wap, Ctx, kind)                       \
-    extern "C" Ctx *name(const Wap *ptWap) {                             \
-        return Convert<Ctx>(__func__, ptWap, kConvert<rec::Kind::kind>); \
+// The record types come from the kind's description.
+#define TQS_DEFINE_CONVERTER(name, kind)                                                               \
+    extern "C" rec::Types<rec::Kind::kind>::Ctx *name(const rec::Types<rec::Kind::kind>::Wap *ptWap) { \
+        return Convert<rec::Types<rec::Kind::kind>::Ctx>(__func__, ptWap, kConvert<rec::Kind::kind>);  \
     }
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxLogical, tqsWapPxLogical, tqsCtxPxLogical, PxLogical)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxAuthInfo, tqsWapPxAuthInfo, tqsCtxPxAuthInfo, PxAuthInfo)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPort, tqsWapPort, tqsCtxPort, Port)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxPhysical, tqsWapPxPhysical, tqsCtxPxPhysical, PxPhysical)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextNapdef, tqsWapNapDef, tqsCtxNapDef, NapDef)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextValidity, tqsWapValidity, tqsCtxValidity, Validity)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextBootstrap, tqsWapBootstrap, tqsCtxBootstrap, Bootstrap)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextClientIdent, tqsWapClientIdentity, tqsCtxClientIdent,
-                     ClientIdentity)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextVenderConfig, tqsWapVendorConfig, tqsCtxVenderConfig,
-                     VendorConfig)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextApplication, tqsWapApplication, tqsCtxApplication,
-                     Application)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAddr, tqsWapAppAddr, tqsCtxAppAddr, AppAddr)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAuth, tqsWapAppAuth, tqsCtxAppAuth, AppAuth)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextResource, tqsWapResource, tqsCtxResource, Resource)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextRoaming, tqsWapRoaming, tqsCtxRoaming, Roaming)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAccess, tqsWapAccess, tqsCtxAccess, Access)
-TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextWifi, tqsWapWifi, tqsCtxWifi, Wifi)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxLogical, PxLogical)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxAuthInfo, PxAuthInfo)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPort, Port)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextPxPhysical, PxPhysical)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextNapdef, NapDef)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextValidity, Validity)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextBootstrap, Bootstrap)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextClientIdent, ClientIdentity)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextVenderConfig, VendorConfig)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextApplication, Application)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAddr, AppAddr)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAppAuth, AppAuth)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextResource, Resource)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextRoaming, Roaming)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextAccess, Access)
+TQS_DEFINE_CONVERTER(tqsClientProvCtxVerifyContextWifi, Wifi)
 #undef TQS_DEFINE_CONVERTER
 
 extern "C" tqsCtxNapAuthInfo *tqsClientProvCtxVerifyContextNapAuthInfo(const tqsWapNapAuthInfo *ptWap) {
@@ -603,15 +602,15 @@ TQS_DEFINE_LIST_CONVERTER(tqsClientProvCtxVerifyContextDomainList)
 
 // ---- child distributors ------------------------------------------------------------
 
-#define TQS_DEFINE_DISTRIBUTOR(name, Parent, kind)                                          \
-    extern "C" uint32_t name(TqsList *ptCharacterList, Parent *ptParent) {                  \
-        return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::kind>); \
+#define TQS_DEFINE_DISTRIBUTOR(name, kind)                                                           \
+    extern "C" uint32_t name(TqsList *ptCharacterList, rec::Types<rec::Kind::kind>::Ctx *ptParent) { \
+        return Distribute(__func__, ptCharacterList, ptParent, kChildren<rec::Kind::kind>);          \
     }
-TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxLogical, tqsCtxPxLogical, PxLogical)
-TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxPhysical, tqsCtxPxPhysical, PxPhysical)
-TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterAppAddr, tqsCtxAppAddr, AppAddr)
-TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterNapDef, tqsCtxNapDef, NapDef)
-TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterApplication, tqsCtxApplication, Application)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxLogical, PxLogical)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterPxPhysical, PxPhysical)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterAppAddr, AppAddr)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterNapDef, NapDef)
+TQS_DEFINE_DISTRIBUTOR(tqsClientProvCtxVerifyCharacterApplication, Application)
 #undef TQS_DEFINE_DISTRIBUTOR
 
 // ---- release ---------------------------------------------------------------------------
@@ -620,27 +619,27 @@ extern "C" void tqsClientProvCtxDelectContext(tqsClientProvCtx *ptCtx) {
     ReleaseChain(__func__, ptCtx, kRelease<rec::Kind::Root>);
 }
 
-#define TQS_DEFINE_RELEASE(name, Ctx, kind)                       \
-    extern "C" void name(Ctx *ptRec) {                            \
-        ReleaseChain(__func__, ptRec, kRelease<rec::Kind::kind>); \
+#define TQS_DEFINE_RELEASE(name, kind)                              \
+    extern "C" void name(rec::Types<rec::Kind::kind>::Ctx *ptRec) { \
+        ReleaseChain(__func__, ptRec, kRelease<rec::Kind::kind>);   \
     }
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxLogical, tqsCtxPxLogical, PxLogical)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxAuthInfo, tqsCtxPxAuthInfo, PxAuthInfo)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPort, tqsCtxPort, Port)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxPhysical, tqsCtxPxPhysical, PxPhysical)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapDef, tqsCtxNapDef, NapDef)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapAuthInfo, tqsCtxNapAuthInfo, NapAuthInfo)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextValidity, tqsCtxValidity, Validity)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextBootstrap, tqsCtxBootstrap, Bootstrap)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextClientIdent, tqsCtxClientIdent, ClientIdentity)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextVenderConfig, tqsCtxVenderConfig, VendorConfig)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextApplication, tqsCtxApplication, Application)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAddr, tqsCtxAppAddr, AppAddr)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAuth, tqsCtxAppAuth, AppAuth)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextResource, tqsCtxResource, Resource)
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAccess, tqsCtxAccess, Access)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxLogical, PxLogical)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxAuthInfo, PxAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPort, Port)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextPxPhysical, PxPhysical)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapDef, NapDef)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextNapAuthInfo, NapAuthInfo)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextValidity, Validity)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextBootstrap, Bootstrap)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextClientIdent, ClientIdentity)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextVenderConfig, VendorConfig)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextApplication, Application)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAddr, AppAddr)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAppAuth, AppAuth)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextResource, Resource)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextAccess, Access)
 // Nothing calls it: the root release leaves the WI-FI chain allocated.
-TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextWifi, tqsCtxWifi, Wifi)
+TQS_DEFINE_RELEASE(tqsClientProvCtxDelectContextWifi, Wifi)
 #undef TQS_DEFINE_RELEASE
 
 #define TQS_DEFINE_LIST_RELEASE(name)             \
