@@ -1,5 +1,5 @@
 # Cross build for 64-bit Arm Linux with Debian's g++-aarch64-linux-gnu.
-# Test executables run under qemu-user with the cross sysroot.
+# Test executables run under qemu-user.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
@@ -9,7 +9,15 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+# Once Debian's arm64 libc is installed (setup.sh adds it for the aarch64 JVM),
+# the host's ld.so.cache lists its libraries, and the cross sysroot's loader
+# would mix the two glibc builds: threads then hang in pthread_create. Run
+# against the multiarch root whenever it is there, the sysroot otherwise.
+if(EXISTS /lib/ld-linux-aarch64.so.1)
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /)
+else()
+  set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+endif()
 
 # jni.h and the Linux jni_md.h of the host JDK hold for aarch64 as well (jint
 # is int, jlong is long, the rest is visibility), so the binding's floor (and
