@@ -6,6 +6,7 @@
 #include <cstring>
 #include <iterator>
 #include <map>
+#include <set>
 #include <type_traits>
 #include <unordered_set>
 #include <utility>
@@ -108,7 +109,6 @@ struct FakeJvm::State {
     bool strictUtf8 = false;
     std::set<std::string> hidden;
     std::set<std::string> failing;
-    std::map<std::string, std::set<std::pair<std::string, std::string>>> declared;
     std::vector<std::unique_ptr<Object>> objects;
     std::unordered_set<const Object *> live;
     // Byte array elements handed out and not yet released: copy -> its array.
@@ -188,7 +188,6 @@ jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod
         s->pending = "java/lang/NoSuchMethodError";
         return JNI_ERR;
     };
-    const auto decl = s->declared.find(cls->text);
     Registration reg{cls->text, {}};
     for (jint i = 0; i < n; ++i) {
         const JNINativeMethod &m = methods[i];
@@ -196,7 +195,6 @@ jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod
             std::strchr(m.signature, ')') == nullptr) {
             return refuse();
         }
-        if (decl != s->declared.end() && decl->second.count({m.name, m.signature}) == 0) return refuse();
         reg.methods.push_back({m.name, m.signature, m.fnPtr});
     }
     if (s->failing.count(cls->text) != 0) return refuse();
@@ -346,10 +344,6 @@ void FakeJvm::setStrictUtf8(bool strict) {
 void FakeJvm::hideClass(const std::string &className) {
     state_->hidden.insert(className);
 }
-void FakeJvm::declareMethods(const std::string &className,
-                             const std::vector<std::pair<std::string, std::string>> &methods) {
-    state_->declared[className].insert(methods.begin(), methods.end());
-}
 void FakeJvm::failRegistration(const std::string &className) {
     state_->failing.insert(className);
 }
@@ -397,16 +391,6 @@ void FakeJvm::reset() {
 
 const std::vector<Registration> &FakeJvm::registrations() const {
     return state_->registrations;
-}
-
-void *FakeJvm::nativeFor(const std::string &className, const std::string &methodName) const {
-    for (const Registration &r : state_->registrations) {
-        if (r.className != className) continue;
-        for (const NativeMethod &m : r.methods) {
-            if (m.name == methodName) return m.fnPtr;
-        }
-    }
-    return nullptr;
 }
 
 const std::string &FakeJvm::pendingException() const {

@@ -20,9 +20,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace fakejni {
@@ -62,12 +60,6 @@ class FakeJvm {
     // UTF-8, as Android's checked JNI does (off by default: texts are kept as
     // the bytes given).
     void setStrictUtf8(bool strict);
-    // Declares the native methods (name, signature) of a Java class: once a
-    // class has declarations, RegisterNatives on it fails (-1, pending
-    // NoSuchMethodError) for any entry not declared, as a real VM does.
-    // Classes without declarations accept every well-formed entry.
-    void declareMethods(const std::string &className,
-                        const std::vector<std::pair<std::string, std::string>> &methods);
 
     // --- objects --------------------------------------------------------------
     jbyteArray newByteArray(const std::vector<std::uint8_t> &bytes);
@@ -83,8 +75,6 @@ class FakeJvm {
 
     // --- what the library did -------------------------------------------------
     const std::vector<Registration> &registrations() const;
-    // Address registered for class/method, or null.
-    void *nativeFor(const std::string &className, const std::string &methodName) const;
     // Name of the last exception a real VM would have left pending (empty when
     // none); cleared by reset().
     const std::string &pendingException() const;
