@@ -157,51 +157,29 @@ public class ProvisioningMessageTest {
 
   private static void sameDocument(String at, ProvisioningDocument d) {
     assertEquals(at, tqomacp_GetPxClientIdentityData(), d.clientIdentity());
-
-    List<PxLogical> proxies = d.proxies();
-    assertEquals(at, tqomacp_GetPxLogicalCount(), proxies.size());
-    for (int p = 1; p <= proxies.size(); p++) {
-      final int pp = p;
-      PxLogical x = proxies.get(p - 1);
+    each(at, tqomacp_GetPxLogicalCount(), d.proxies(), (p, x) -> {
       row(at, tqomacp_GetProxyData(p), x.proxyId(), x.proxyPw(), x.ppgAuthType(),
           x.proxyProviderId(), x.name(), x.trust(), x.master(), x.startPage(),
           null, null, null, null, null);
-      strings(at, tqomacp_GetPxDomainCount(p), k -> tqomacp_GetPxDomainData(pp, k), x.domains());
-      assertEquals(at, tqomacp_GetPxAuthInfoCount(p), x.authInfos().size());
-      for (int k = 1; k <= x.authInfos().size(); k++) {
-        PxAuthInfo a = x.authInfos().get(k - 1);
-        row(at, tqomacp_GetPxAuthInfoData(p, k), a.authType(), a.authId(), a.authPw());
-      }
-      assertEquals(at, tqomacp_GetPxPortCount(p), x.ports().size());
-      for (int k = 1; k <= x.ports().size(); k++) {
-        Port port = x.ports().get(k - 1);
-        assertEquals(at, tqomacp_GetPxPortData(p, k), port.portNumber());
-        assertEquals(at, withheld(tqomacp_GetPxPortServiceCount(p, k)), port.services());
-      }
-      assertEquals(at, tqomacp_GetPxPhysicalCount(p), x.physicals().size());
-      for (int k = 1; k <= x.physicals().size(); k++) {
-        final int kk = k;
-        PxPhysical y = x.physicals().get(k - 1);
+      strings(at, tqomacp_GetPxDomainCount(p), k -> tqomacp_GetPxDomainData(p, k), x.domains());
+      each(at, tqomacp_GetPxAuthInfoCount(p), x.authInfos(), (k, a) ->
+          row(at, tqomacp_GetPxAuthInfoData(p, k), a.authType(), a.authId(), a.authPw()));
+      each(at, tqomacp_GetPxPortCount(p), x.ports(), (k, port) -> port(at, port,
+          tqomacp_GetPxPortData(p, k), withheld(tqomacp_GetPxPortServiceCount(p, k))));
+      each(at, tqomacp_GetPxPhysicalCount(p), x.physicals(), (k, y) -> {
         row(at, tqomacp_GetPxPhysicalData(p, k), y.physicalProxyId(), y.address(),
             y.addressType(), y.addressFqdn(), y.wspVersion(), y.pushEnabled(), y.pullEnabled());
         strings(at, tqomacp_GetPxPhysicalDomainCount(p, k),
-            n -> tqomacp_GetPxPhsicalDomainData(pp, kk, n), y.domains());
+            n -> tqomacp_GetPxPhsicalDomainData(p, k, n), y.domains());
         strings(at, tqomacp_GetPxPhsicalNapIdCount(p, k),
-            n -> tqomacp_GetPxPhysicalNapIdData(pp, kk, n), y.toNapIds());
-        assertEquals(at, tqomacp_GetPxPhysicalPortCount(p, k), y.ports().size());
-        for (int t = 1; t <= y.ports().size(); t++) {
-          Port port = y.ports().get(t - 1);
-          assertEquals(at, tqomacp_GetPxPhysicalPortData(p, k, t), port.portNumber());
-          assertEquals(at, withheld(tqomacp_GetPxPhysicalPortServiceCount(p, k, t)), port.services());
-        }
-      }
-    }
+            n -> tqomacp_GetPxPhysicalNapIdData(p, k, n), y.toNapIds());
+        each(at, tqomacp_GetPxPhysicalPortCount(p, k), y.ports(), (t, port) -> port(at, port,
+            tqomacp_GetPxPhysicalPortData(p, k, t),
+            withheld(tqomacp_GetPxPhysicalPortServiceCount(p, k, t))));
+      });
+    });
 
-    List<NapDef> naps = d.napDefs();
-    assertEquals(at, tqomacp_GetPxNapDefCount(), naps.size());
-    for (int n = 1; n <= naps.size(); n++) {
-      final int nn = n;
-      NapDef x = naps.get(n - 1);
+    each(at, tqomacp_GetPxNapDefCount(), d.napDefs(), (n, x) -> {
       List<String> expected = new ArrayList<>(Arrays.asList(x.napId(), x.name(), x.internet(),
           x.napAddress(), x.napAddressType() == null ? null
               : "0x" + Integer.toHexString(0x85 + ADDRESS_TYPES.indexOf(x.napAddressType())),
@@ -215,121 +193,97 @@ public class ProvisioningMessageTest {
         expected.add("");
       }
       assertEquals(at, expected, Arrays.asList(tqomacp_GetPxNapDefData(n)));
-      strings(at, tqomacp_GetPxDnsAddrCount(n), k -> tqomacp_GetPxDnsAddrData(nn, k), x.dnsAddresses());
-      assertEquals(at, tqomacp_GetPxBearerCount(n), x.bearers().size());
-      for (int k = 1; k <= x.bearers().size(); k++) {
+      strings(at, tqomacp_GetPxDnsAddrCount(n), k -> tqomacp_GetPxDnsAddrData(n, k), x.dnsAddresses());
+      each(at, tqomacp_GetPxBearerCount(n), x.bearers(), (k, bearer) -> {
         String given = tqomacp_GetPxBearerData(n, k);
-        String bearer = x.bearers().get(k - 1);
         // Null only where the native gave the NAP-ADDRESS for a text bearer.
         assertTrue(at + " " + given, bearer == null
             ? given == null || given.equals(x.napAddress()) : bearer.equals(given));
-      }
-      assertEquals(at, tqomacp_GetPxNapAuthInfoCount(n), x.authInfos().size());
-      for (int k = 1; k <= x.authInfos().size(); k++) {
-        final int kk = k;
-        NapAuthInfo a = x.authInfos().get(k - 1);
+      });
+      each(at, tqomacp_GetPxNapAuthInfoCount(n), x.authInfos(), (k, a) -> {
         row(at, tqomacp_GetPxNapAuthInfoData(n, k), a.authType(), a.authName(), a.authSecret(), null);
         strings(at, tqomacp_GetPxNapAuthEntityCount(n, k),
-            e -> tqomacp_GetPxAuthInfopAuthEntityData(nn, kk, e), a.authEntities());
-      }
-      assertEquals(at, tqomacp_GetPxNapValidityCount(n), x.validities().size());
-      for (int k = 1; k <= x.validities().size(); k++) {
-        Validity v = x.validities().get(k - 1);
+            e -> tqomacp_GetPxAuthInfopAuthEntityData(n, k, e), a.authEntities());
+      });
+      each(at, tqomacp_GetPxNapValidityCount(n), x.validities(), (k, v) -> {
         if (k != n) {
           assertNull(at, v);
         } else {
           row(at, tqomacp_GetPxValidityData(n, k), v.country(), v.network(), v.sid(), v.soc(),
               v.validUntil());
         }
-      }
-    }
+      });
+    });
 
-    List<Bootstrap> boots = d.bootstraps();
-    assertEquals(at, tqomacp_GetPxBootstrapCount(), boots.size());
-    for (int b = 1; b <= boots.size(); b++) {
-      final int bb = b;
-      Bootstrap x = boots.get(b - 1);
+    each(at, tqomacp_GetPxBootstrapCount(), d.bootstraps(), (b, x) -> {
       row(at, tqomacp_GetBootstrapData(b), x.name(), x.country(), x.provUrl(), x.contextAllow());
-      strings(at, tqomacp_GetPxProxyIdCount(b), k -> tqomacp_GetPxProxyIdData(bb, k), x.proxyIds());
-      strings(at, tqomacp_GetPxNetworkCount(b), k -> tqomacp_GetPxNetworkData(bb, k), x.networks());
-    }
+      strings(at, tqomacp_GetPxProxyIdCount(b), k -> tqomacp_GetPxProxyIdData(b, k), x.proxyIds());
+      strings(at, tqomacp_GetPxNetworkCount(b), k -> tqomacp_GetPxNetworkData(b, k), x.networks());
+    });
 
-    List<VendorConfig> vendors = d.vendorConfigs();
-    assertEquals(at, tqomacp_GetPxVenderConfigCount(), vendors.size());
-    for (int v = 1; v <= vendors.size(); v++) {
-      VendorConfig x = vendors.get(v - 1);
-      row(at, tqomacp_GetPxVenderConfigData(v), x.name(), x.parmName(), x.parmValue());
-    }
+    each(at, tqomacp_GetPxVenderConfigCount(), d.vendorConfigs(), (v, x) ->
+        row(at, tqomacp_GetPxVenderConfigData(v), x.name(), x.parmName(), x.parmValue()));
 
-    List<Application> apps = d.applications();
-    assertEquals(at, tqomacp_GetPxApplicationCount(), apps.size());
-    for (int a = 1; a <= apps.size(); a++) {
-      final int aa = a;
-      Application x = apps.get(a - 1);
+    each(at, tqomacp_GetPxApplicationCount(), d.applications(), (a, x) -> {
       row(at, tqomacp_GetApplicationData(a), x.appId(), x.providerId(), x.from(), x.name(),
           x.aAccept(), x.aProtocol(), x.internet(), x.xcapAuidDcs(), x.xcapAuidPms(),
           x.xcapAuidCdms(), x.xcapImeiHeader(), x.xcapTidHeader());
-      strings(at, tqomacp_GetPxToProxyCount(a), k -> tqomacp_GetPxToProxyData(aa, k), x.toProxies());
-      strings(at, tqomacp_GetPxNapIdCount(a), k -> tqomacp_GetPxNapIdData(aa, k), x.toNapIds());
-      strings(at, tqomacp_GetPxToAddrCount(a), k -> tqomacp_GetPxToAddrData(aa, k), x.addresses());
-      assertEquals(at, tqomacp_GetPxAppAddrCount(a), x.appAddresses().size());
-      for (int k = 1; k <= x.appAddresses().size(); k++) {
-        final int kk = k;
-        AppAddr y = x.appAddresses().get(k - 1);
+      strings(at, tqomacp_GetPxToProxyCount(a), k -> tqomacp_GetPxToProxyData(a, k), x.toProxies());
+      strings(at, tqomacp_GetPxNapIdCount(a), k -> tqomacp_GetPxNapIdData(a, k), x.toNapIds());
+      strings(at, tqomacp_GetPxToAddrCount(a), k -> tqomacp_GetPxToAddrData(a, k), x.addresses());
+      each(at, tqomacp_GetPxAppAddrCount(a), x.appAddresses(), (k, y) -> {
         row(at, tqomacp_GetPxAppAddrData(a, k), y.address(), y.addressType());
-        assertEquals(at, tqomacp_GetPxAppPortCount(a, k), y.ports().size());
-        for (int t = 1; t <= y.ports().size(); t++) {
-          final int tt = t;
-          Port port = y.ports().get(t - 1);
-          assertEquals(at, tqomacp_GetPxAppPortData(a, k, t), port.portNumber());
-          strings(at, tqomacp_GetPxServiceCount(a, k, t),
-              s -> tqomacp_GetPxServiceData(aa, kk, tt, s), port.services());
-        }
-      }
-      assertEquals(at, tqomacp_GetPxAppAuthCount(a), x.appAuths().size());
-      for (int k = 1; k <= x.appAuths().size(); k++) {
-        AppAuth y = x.appAuths().get(k - 1);
-        row(at, tqomacp_GetPxAppAuthData(a, k), y.authLevel(), y.authType(), y.authName(),
-            y.authSecret(), y.authData());
-      }
-      assertEquals(at, tqomacp_GetPxResourceCount(a), x.resources().size());
-      for (int k = 1; k <= x.resources().size(); k++) {
-        Resource y = x.resources().get(k - 1);
-        row(at, tqomacp_GetPxResourceData(a, k), y.uri(), y.name(), y.aAccept(), y.authType(),
-            y.authName(), y.authSecret(), y.authData(), y.startPage());
-      }
+        each(at, tqomacp_GetPxAppPortCount(a, k), y.ports(), (t, port) -> port(at, port,
+            tqomacp_GetPxAppPortData(a, k, t), items(tqomacp_GetPxServiceCount(a, k, t),
+                s -> tqomacp_GetPxServiceData(a, k, t, s))));
+      });
+      each(at, tqomacp_GetPxAppAuthCount(a), x.appAuths(), (k, y) ->
+          row(at, tqomacp_GetPxAppAuthData(a, k), y.authLevel(), y.authType(), y.authName(),
+              y.authSecret(), y.authData()));
+      each(at, tqomacp_GetPxResourceCount(a), x.resources(), (k, y) ->
+          row(at, tqomacp_GetPxResourceData(a, k), y.uri(), y.name(), y.aAccept(), y.authType(),
+              y.authName(), y.authSecret(), y.authData(), y.startPage()));
       Roaming r = x.roaming();
       String[] roaming = a == 1 ? tqomacp_GetPxRoamingData() : null;
       assertEquals(at, roaming == null, r == null);
       if (r != null) {
         row(at, roaming, r.syncAllowed(), r.syncDefault());
       }
-    }
+    });
 
-    List<Access> rules = d.accessRules();
-    assertEquals(at, tqomacp_GetPxCtxAccessCount(), rules.size());
-    for (int r = 1; r <= rules.size(); r++) {
-      final int rr = r;
-      Access x = rules.get(r - 1);
-      strings(at, tqomacp_GetPxRuleCount(r), k -> tqomacp_GetPxRuleData(rr, k), x.rules());
-      strings(at, tqomacp_GetPxAppIdCount(r), k -> tqomacp_GetPxAppIdData(rr, k), x.appIds());
-      strings(at, tqomacp_GetPxPortNbrCount(r), k -> tqomacp_GetPxPortNbrData(rr, k), x.portNumbers());
-      strings(at, tqomacp_GetPxAccessDomainCount(r), k -> tqomacp_GetPxAccessDomainData(rr, k),
+    each(at, tqomacp_GetPxCtxAccessCount(), d.accessRules(), (r, x) -> {
+      strings(at, tqomacp_GetPxRuleCount(r), k -> tqomacp_GetPxRuleData(r, k), x.rules());
+      strings(at, tqomacp_GetPxAppIdCount(r), k -> tqomacp_GetPxAppIdData(r, k), x.appIds());
+      strings(at, tqomacp_GetPxPortNbrCount(r), k -> tqomacp_GetPxPortNbrData(r, k), x.portNumbers());
+      strings(at, tqomacp_GetPxAccessDomainCount(r), k -> tqomacp_GetPxAccessDomainData(r, k),
           x.domains());
-      strings(at, tqomacp_GetPxAccessToNapIdCount(r), k -> tqomacp_GetPxAccessToNapIdData(rr, k),
+      strings(at, tqomacp_GetPxAccessToNapIdCount(r), k -> tqomacp_GetPxAccessToNapIdData(r, k),
           x.toNapIds());
-      strings(at, tqomacp_GetPxAccessToProxyCount(r), k -> tqomacp_GetPxAccessToProxyData(rr, k),
+      strings(at, tqomacp_GetPxAccessToProxyCount(r), k -> tqomacp_GetPxAccessToProxyData(r, k),
           x.toProxies());
-    }
+    });
 
-    List<Wifi> wifis = d.wifis();
-    assertEquals(at, tqomacp_GetPxWifiCount(), wifis.size());
-    for (int w = 1; w <= wifis.size(); w++) {
-      Wifi x = wifis.get(w - 1);
-      row(at, tqomacp_GetPxWifiData(w), x.ssid(), x.securityMode(), x.eapMethod(), x.eapType(),
-          x.userName(), x.anonymousUserName(), x.password(), x.caCertificate(),
-          x.userCertificate(), x.phase1(), x.authAlgorithm(), x.priority());
+    each(at, tqomacp_GetPxWifiCount(), d.wifis(), (w, x) ->
+        row(at, tqomacp_GetPxWifiData(w), x.ssid(), x.securityMode(), x.eapMethod(), x.eapType(),
+            x.userName(), x.anonymousUserName(), x.password(), x.caCertificate(),
+            x.userCertificate(), x.phase1(), x.authAlgorithm(), x.priority()));
+  }
+
+  /** A check of the k-th item of a list (k from 1). */
+  private interface ItemCheck<T> {
+    void check(int k, T item);
+  }
+
+  /** The natives' count against the list, then each item. */
+  private static <T> void each(String at, int count, List<T> items, ItemCheck<T> check) {
+    assertEquals(at, count, items.size());
+    for (int k = 1; k <= count; k++) {
+      check.check(k, items.get(k - 1));
     }
+  }
+
+  private static void port(String at, Port port, String number, List<String> services) {
+    assertEquals(at, Arrays.asList(number, services), Arrays.asList(port.portNumber(), port.services()));
   }
 
   /** A record array: the fields in order, then the closing null. */
@@ -338,10 +292,14 @@ public class ProvisioningMessageTest {
     assertArrayEquals(at, expected, natives);
   }
 
+  private static List<String> items(int count, IntFunction<String> item) {
+    String[] items = new String[count];
+    Arrays.setAll(items, k -> item.apply(k + 1));
+    return Arrays.asList(items);
+  }
+
   private static void strings(String at, int count, IntFunction<String> item, List<String> read) {
-    String[] expected = new String[count];
-    Arrays.setAll(expected, k -> item.apply(k + 1));
-    assertEquals(at, Arrays.asList(expected), read);
+    assertEquals(at, items(count, item), read);
   }
 
   private static List<String> withheld(int count) {
