@@ -17,25 +17,14 @@ public class AuthenticationTest {
   private static final String IMSI = "466923103145252";
   private static final String HIWEB_IMSI = "432129951539038";
 
-  /** A push: content type 0xB6, the SEC bytes (none when empty), a MAC unless null, the body. */
+  /** A push: content type 0xB6, the SEC bytes (none when empty), the MAC, the body. */
   private static byte[] push(byte[] sec, String mac, String bodyFile) {
-    ByteArrayOutputStream header = new ByteArrayOutputStream();
-    header.write(0xB6);
-    header.write(sec, 0, sec.length);
-    if (mac != null) {
-      header.write(0x92);
-      byte[] text = mac.getBytes(StandardCharsets.US_ASCII);
-      header.write(text, 0, text.length);
-      header.write(0);
-    }
+    byte[] macParameter = ("\u0092" + mac + "\0").getBytes(StandardCharsets.ISO_8859_1);
     ByteArrayOutputStream pdu = new ByteArrayOutputStream();
-    pdu.write(1);
-    pdu.write(6);
-    pdu.write(header.size());
-    byte[] h = header.toByteArray();
-    pdu.write(h, 0, h.length);
-    byte[] body = Samples.body(bodyFile);
-    pdu.write(body, 0, body.length);
+    pdu.writeBytes(new byte[] {1, 6, (byte) (1 + sec.length + macParameter.length), (byte) 0xB6});
+    pdu.writeBytes(sec);
+    pdu.writeBytes(macParameter);
+    pdu.writeBytes(Samples.body(bodyFile));
     return pdu.toByteArray();
   }
 

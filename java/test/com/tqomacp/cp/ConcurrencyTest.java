@@ -3,17 +3,17 @@ package com.tqomacp.cp;
 import static org.junit.Assert.*;
 
 import java.util.ArrayList;
-import java.util.HashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
+import java.util.stream.Collectors;
 import org.junit.Test;
 
 /**
- * Eight threads parse the corpus at once, each its own share of the samples over and over; every
- * result must equal the one a single thread got. Without the facade's lock the natives' globals
+ * Eight threads parse the corpus at once, each from its own place in the samples, over and over;
+ * every result must equal the one a single thread got. Without the facade's lock the natives' globals
  * are shared and the process crashes or results mix.
  */
 public class ConcurrencyTest {
@@ -32,21 +32,15 @@ public class ConcurrencyTest {
   @Test
   public void eightThreadsGetTheSingleThreadedResults() throws Exception {
     List<String> names = new ArrayList<>(Samples.PDUS.keySet());
-    Map<String, Object> expected = new HashMap<>();
-    for (String name : names) {
-      expected.put(name, outcome(Samples.pdu(name)));
-    }
+    Map<String, Object> expected = names.stream().collect(Collectors.toMap(n -> n, n -> outcome(Samples.pdu(n))));
     ExecutorService pool = Executors.newFixedThreadPool(THREADS);
     try {
       List<Future<?>> runs = new ArrayList<>();
       for (int t = 0; t < THREADS; t++) {
-        List<String> share = new ArrayList<>();
-        for (int i = t; i < names.size(); i += THREADS) {
-          share.add(names.get(i));
-        }
+        int first = t;
         runs.add(pool.submit(() -> {
           for (int i = 0; i < PARSES_PER_THREAD; i++) {
-            String name = share.get(i % share.size());
+            String name = names.get((first + i * THREADS) % names.size());
             assertEquals(name, expected.get(name), outcome(Samples.PDUS.get(name)));
           }
         }));

@@ -10,9 +10,9 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /** The corpus's push PDUs by relative path, read once (the tqomacp.corpus property names it). */
-final class Samples {
+public final class Samples {
   static final Path DIR = Paths.get(System.getProperty("tqomacp.corpus", "tests/corpus"));
-  static final Map<String, byte[]> PDUS = new TreeMap<>();
+  public static final Map<String, byte[]> PDUS = new TreeMap<>();
 
   static {
     try (Stream<Path> files = Files.walk(DIR)) {

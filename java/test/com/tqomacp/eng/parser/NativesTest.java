@@ -6,18 +6,16 @@ import static com.tqomacp.eng.parser.XCPCtxParser.*;
 import static com.tqomacp.eng.parser.XCPCtxPxLogical.*;
 import static org.junit.Assert.*;
 
+import com.tqomacp.cp.Samples;
 import java.io.ByteArrayOutputStream;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
 import java.nio.charset.StandardCharsets;
-import java.nio.file.Files;
-import java.nio.file.Path;
-import java.nio.file.Paths;
 import java.util.Arrays;
 import java.util.Comparator;
 import java.util.List;
+import java.util.Map;
 import java.util.stream.Collectors;
-import java.util.stream.Stream;
 import org.junit.After;
 import org.junit.Before;
 import org.junit.Test;
@@ -97,15 +95,10 @@ public class NativesTest {
 
   @Test
   public void everyCorpusPushThroughEveryNative() throws Exception {
-    Path root = Paths.get(System.getProperty("tqomacp.corpus"));
-    List<Path> pdus;
-    try (Stream<Path> files = Files.walk(root)) {
-      pdus = files.filter(p -> p.toString().endsWith(".pdu")).sorted().collect(Collectors.toList());
-    }
     int parsed = 0;
-    for (Path path : pdus) {
-      String sample = root.relativize(path).toString();
-      byte[] pdu = Files.readAllBytes(path);
+    for (Map.Entry<String, byte[]> entry : Samples.PDUS.entrySet()) {
+      String sample = entry.getKey();
+      byte[] pdu = entry.getValue();
       if (tqomacp_parser(pdu, pdu.length, MODE_HEADER_ONLY)) {
         int bodyStart = 3 + tqomacp_GetParserHeaderLen();
         assertArrayEquals(sample, Arrays.copyOfRange(pdu, bodyStart, pdu.length),
@@ -123,7 +116,7 @@ public class NativesTest {
       sweep(sample, NAPDEF_GETTERS, full);
       tqomacp_parser_del();
     }
-    assertEquals(85, pdus.size());
+    assertEquals(85, Samples.PDUS.size());
     // Which ones are refused, and why: tools/cpdump/tests/golden/refused.txt.
     assertEquals(65, parsed);
   }

@@ -3,7 +3,6 @@ package com.tqomacp.eng.parser;
 import static org.junit.Assert.*;
 
 import java.io.File;
-import java.io.InputStream;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
 import java.nio.charset.StandardCharsets;
@@ -50,10 +49,7 @@ public class RegistrationTest {
         "-Djava.library.path=" + System.getProperty("java.library.path"),
         "-cp", classPath + File.pathSeparator + TEST_CLASSES, RegistrationProbe.class.getName()));
     Process process = new ProcessBuilder(command).redirectErrorStream(true).start();
-    String output;
-    try (InputStream in = process.getInputStream()) {
-      output = new String(in.readAllBytes(), StandardCharsets.UTF_8);
-    }
+    String output = new String(process.getInputStream().readAllBytes(), StandardCharsets.UTF_8);
     assertTrue("child JVM finished", process.waitFor(60, TimeUnit.SECONDS));
     assertEquals(output, 0, process.exitValue());
     List<String> lines = Arrays.asList(output.split("\n"));
