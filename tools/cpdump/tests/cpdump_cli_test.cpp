@@ -92,76 +92,57 @@ Bytes Push(const Bytes &body) {
     return pdu;
 }
 
-// ---- Golden outputs --------------------------------------------------------
-
-struct Golden {
-    const char *name;  // file under golden/
-    std::vector<std::string> args;
-};
-
-std::ostream &operator<<(std::ostream &os, const Golden &g) {
-    return os << g.name;
-}
-
-class GoldenOutput : public ::testing::TestWithParam<Golden> {};
-
-TEST_P(GoldenOutput, MatchesCheckedInOutput) {
-    const Golden &g = GetParam();
-    std::vector<std::string> args;
-    for (const std::string &a : g.args) args.push_back(Argument(a));
-    const Result r = RunCpdump(args);
-    ASSERT_EQ(r.exit, 0) << r.err;
-    EXPECT_EQ(r.err, "");
-    const fs::path golden = kGolden / g.name;
-    if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) {
-        WriteBytes(golden, r.out.data(), r.out.size());
-        return;
-    }
-    ASSERT_TRUE(fs::exists(golden)) << golden;
-    EXPECT_EQ(r.out, ReadText(golden));
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Corpus, GoldenOutput,
-    ::testing::Values(
+// The checked-in outputs of whole pushes, bodies, the built-in sample and the summaries.
+TEST(GoldenOutput, MatchesCheckedInOutput) {
+    const struct {
+        const char *name;  // file under golden/
+        Args args;
+    } goldens[] = {
         // Whole PDUs with the sources' own headers.
-        Golden{"ws-bank-userpin.json", {"ws-bank-userpin.pdu"}},
-        Golden{"ws-bank-userpin.header.json", {"--header-only", "ws-bank-userpin.pdu"}},
-        Golden{"br-claro-portal-charset.json", {"br-claro-portal-charset.pdu"}},
-        Golden{"ph-smart-mms-netwpin.json", {"ph-smart-mms-netwpin.pdu"}},
-        Golden{"ph-smart-mms-netwpin.xml", {"--xml", "ph-smart-mms-netwpin.pdu"}},
-        Golden{"vn-mobifone-vtv.json", {"vn-mobifone-vtv.pdu"}},
+        {"ws-bank-userpin.json", {"ws-bank-userpin.pdu"}},
+        {"ws-bank-userpin.header.json", {"--header-only", "ws-bank-userpin.pdu"}},
+        {"br-claro-portal-charset.json", {"br-claro-portal-charset.pdu"}},
+        {"ph-smart-mms-netwpin.json", {"ph-smart-mms-netwpin.pdu"}},
+        {"ph-smart-mms-netwpin.xml", {"--xml", "ph-smart-mms-netwpin.pdu"}},
+        {"vn-mobifone-vtv.json", {"vn-mobifone-vtv.pdu"}},
         // Bodies wrapped into PDUs by the corpus script.
-        Golden{"gaia-tef-movistar.json", {"pdus/gaia-tef-movistar.mac.pdu"}},
-        Golden{"gaia-tef-movistar.xml", {"--xml", "pdus/gaia-tef-movistar.pdu"}},
+        {"gaia-tef-movistar.json", {"pdus/gaia-tef-movistar.mac.pdu"}},
+        {"gaia-tef-movistar.xml", {"--xml", "pdus/gaia-tef-movistar.pdu"}},
         // Bodies alone.
-        Golden{"moz-cht-emome-codepage1.json", {"--body", "moz-cht-emome-codepage1.wbxml"}},
-        Golden{"moz-cht-emome-codepage1.xml", {"--body", "--xml", "moz-cht-emome-codepage1.wbxml"}},
-        Golden{"sfos-sonera.json", {"--body", "sfos-sonera.wbxml"}},
-        Golden{"gaia-tef-yahoo-email.json", {"--body", "gaia-tef-yahoo-email.wbxml"}},
-        Golden{"cpc-omadm.json", {"--body", "cpc-omadm.wbxml"}},
-        Golden{"letai-mms.json", {"--body", "letai-mms.wbxml"}},
-        Golden{"lg-apn-strtable-auto.json", {"--body", "lg-apn-strtable-auto.wbxml"}},
-        Golden{"own-identity-vendor-access.json", {"--body", "own/identity-vendor-access.wbxml"}},
-        Golden{"own-identity-vendor-access.xml", {"--xml", "--body", "own/identity-vendor-access.wbxml"}},
-        Golden{"own-literal-pubid-opaque.json", {"--body", "own/literal-pubid-opaque.wbxml"}},
+        {"moz-cht-emome-codepage1.json", {"--body", "moz-cht-emome-codepage1.wbxml"}},
+        {"moz-cht-emome-codepage1.xml", {"--body", "--xml", "moz-cht-emome-codepage1.wbxml"}},
+        {"sfos-sonera.json", {"--body", "sfos-sonera.wbxml"}},
+        {"gaia-tef-yahoo-email.json", {"--body", "gaia-tef-yahoo-email.wbxml"}},
+        {"cpc-omadm.json", {"--body", "cpc-omadm.wbxml"}},
+        {"letai-mms.json", {"--body", "letai-mms.wbxml"}},
+        {"lg-apn-strtable-auto.json", {"--body", "lg-apn-strtable-auto.wbxml"}},
+        {"own-identity-vendor-access.json", {"--body", "own/identity-vendor-access.wbxml"}},
+        {"own-identity-vendor-access.xml", {"--xml", "--body", "own/identity-vendor-access.wbxml"}},
+        {"own-literal-pubid-opaque.json", {"--body", "own/literal-pubid-opaque.wbxml"}},
         // Hand-made: WI-FI and ROAMING (the corpus sample with them is refused).
-        Golden{"wifi-roaming-body.json", {"--body", "inputs/wifi-roaming-body.hex"}},
-        Golden{"wifi-roaming-body.xml", {"--body", "--xml", "inputs/wifi-roaming-body.hex"}},
+        {"wifi-roaming-body.json", {"--body", "inputs/wifi-roaming-body.hex"}},
+        {"wifi-roaming-body.xml", {"--body", "--xml", "inputs/wifi-roaming-body.hex"}},
         // The built-in sample.
-        Golden{"sample.json", {}}, Golden{"sample.xml", {"--xml"}},
-        Golden{"sample.header.json", {"--header-only"}},
+        {"sample.json", {}},
+        {"sample.xml", {"--xml"}},
+        {"sample.header.json", {"--header-only"}},
         // A person's view.
-        Golden{"sample.summary.txt", {"--summary", "--pin=1234"}},
-        Golden{"sfos-sonera.summary.txt", {"--summary", "--body", "sfos-sonera.wbxml"}},
-        Golden{"ws-bank-userpin.summary.txt", {"--summary", "--pin=1234", "ws-bank-userpin.pdu"}}),
-    [](const ::testing::TestParamInfo<Golden> &golden) {
-        std::string name = golden.param.name;
-        for (char &c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-        return name;
-    });
-
-// ---- Options ---------------------------------------------------------------
+        {"sample.summary.txt", {"--summary", "--pin=1234"}},
+        {"sfos-sonera.summary.txt", {"--summary", "--body", "sfos-sonera.wbxml"}},
+        {"ws-bank-userpin.summary.txt", {"--summary", "--pin=1234", "ws-bank-userpin.pdu"}},
+    };
+    for (const auto &g : goldens) {
+        SCOPED_TRACE(g.name);
+        Args args;
+        for (const std::string &a : g.args) args.push_back(Argument(a));
+        const Result r = RunCpdump(args);
+        EXPECT_EQ(r.exit, 0) << r.err;
+        EXPECT_EQ(r.err, "");
+        const fs::path golden = kGolden / g.name;
+        if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, r.out.data(), r.out.size());
+        EXPECT_EQ(r.out, ReadText(golden));
+    }
+}
 
 TEST(Options, HelpAndVersion) {
     Result r = RunCpdump({"--help"});
@@ -258,16 +239,12 @@ TEST(Options, HeaderOnlyDoesNotLookAtTheBody) {
     EXPECT_EQ(r.out.find("context"), std::string::npos);
 }
 
-// ---- Hex input -------------------------------------------------------------
-
-std::string ToHex(const Bytes &bytes, const char *prefix, const char *separator, std::size_t per_line) {
+std::string ToHex(const Bytes &bytes) {
     std::string out;
-    char buf[8];
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        std::snprintf(buf, sizeof buf, "%02x", bytes[i]);
-        out += prefix;
+    char buf[3];
+    for (unsigned char b : bytes) {
+        std::snprintf(buf, sizeof buf, "%02x", b);
         out += buf;
-        out += (per_line != 0 && (i + 1) % per_line == 0) ? "\n" : separator;
     }
     return out;
 }
@@ -280,7 +257,7 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
     const Result binary = RunCpdump({Corpus(sample)});
     ASSERT_EQ(binary.exit, 0);
     EXPECT_EQ(RunCpdump({"-"}, pdu).out, binary.out);
-    const std::string hex = ToHex(pdu, "0x", " ", 8);
+    const std::string hex = ToHex(pdu);
     const fs::path path = kScratch.dir / "push.hex";
     WriteBytes(path, hex.data(), hex.size());
     const Result file = RunCpdump({path.string()});
@@ -288,8 +265,6 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
     EXPECT_EQ(file.out, binary.out);
     EXPECT_EQ(RunCpdump({"-"}, Bytes(hex.begin(), hex.end())).out, binary.out);
 }
-
-// ---- Authentication --------------------------------------------------------
 
 // The MACs the corpus sources gave (SOURCES.md "verified") and wrong
 // credentials (the other verdicts are pinned in the tools/common test); the
@@ -326,8 +301,6 @@ TEST(Authentication, KnownMacsAndWrongCredentials) {
     }
 }
 
-// ---- SMS input -------------------------------------------------------------
-
 std::vector<fs::path> CorpusPdus() {
     std::vector<fs::path> pdus;
     for (const auto &entry : fs::recursive_directory_iterator(kCorpus))
@@ -350,7 +323,7 @@ std::vector<std::string> Tpdus(const Bytes &pdu, std::size_t max_user_data, bool
     std::vector<std::string> tpdus;
     for (SmsSegment &s : segments) {
         s.has_ports = ports;
-        tpdus.push_back((smsc ? "07911326040000F0" : "") + ToHex(EncodeTpdu(s, 0), "", "", 0));
+        tpdus.push_back((smsc ? "07911326040000F0" : "") + ToHex(EncodeTpdu(s, 0)));
     }
     return tpdus;
 }
@@ -415,8 +388,6 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
         EXPECT_EQ(r.err, c.err.empty() ? "" : "cpdump: " + c.err + "\n");
     }
 }
-
-// ---- Rejections ------------------------------------------------------------
 
 // A document of `characteristics` in a push without MAC.
 Bytes Doc(const Bytes &characteristics) {
@@ -500,8 +471,6 @@ TEST(Rejection, RefusedCorpusSamplesSayWhereAndWhy) {
     EXPECT_EQ(lines, ReadText(golden));
 }
 
-// ---- Damaged pushes --------------------------------------------------------
-
 TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
     const char *seeds[] = {"ws-bank-userpin.pdu",        "ph-smart-mms-netwpin.pdu",
                            "pdus/own/wifi-roaming.pdu",  "pdus/own/identity-vendor-access.mac.pdu",
@@ -517,7 +486,7 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
     };
     std::uint32_t state = 20261121;  // deterministic damage: every run sees the same inputs
     auto next = [&state] { return (state = state * 1664525u + 1013904223u) >> 8; };
-    int runs = 0, decoded = 0;
+    int decoded = 0;
     for (const char *seed : seeds) {
         const Bytes pdu = ReadBytes(kCorpus / seed);
         ASSERT_GT(pdu.size(), 3u + pdu[2]) << seed;
@@ -538,7 +507,6 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
                 }
             }
             const Result r = RunCpdump(mode.args, damaged);
-            ++runs;
             SCOPED_TRACE(std::string(seed) + ": " + mode.args[0] + how);
             ASSERT_TRUE(r.exit == 0 || r.exit == 1) << "exit " << r.exit << "\n" << r.err;
             std::string err = r.err;
@@ -559,10 +527,9 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
             }
         }
     }
-    EXPECT_EQ(runs, 360);
     // Flipping a byte inside a text value keeps a push decodable: both verdicts occur.
     EXPECT_GT(decoded, 0);
-    EXPECT_LT(decoded, runs);
+    EXPECT_LT(decoded, 60 * static_cast<int>(std::size(seeds)));
 }
 
 }  // namespace
