@@ -127,46 +127,28 @@ TEST(Tokens, FieldListParmsAreTheTokensOfTheirPage) {
 }
 
 // Contexts and trees built by hand on the stack: the printers only read them.
-std::string ContextJson(const tqsClientProvCtx &ctx) {
-    std::string out;
-    JsonWriter json(&out);
-    json.BeginObject();
-    WriteContextJson(json, ctx);
-    json.EndObject();
-    json.Finish();
-    return out;
-}
-
 char *S(const char *text) {
     return const_cast<char *>(text);
 }
 
-TEST(ContextJson, ApplicationChildrenAndAuthenticationLevel) {
-    tqsCtxAppAuth auth2{};
-    auth2.pszAAuthLevel = S("USER");  // unknown level: the application gets null
-    tqsCtxAppAuth auth1{};
-    auth1.pszAAuthLevel = S("\x8D");
-    auth1.ptNext = &auth2;
-    tqsCtxPort port{S("8080"), nullptr, nullptr};
-    tqsCtxPxPhysical phys{};
-    phys.pszPxAddrType = S("\x86");
-    phys.ptPort = &port;
-    tqsCtxPxLogical px{};
-    px.ptPxPhysical = &phys;
+// An authentication level the application has no element for reaches it as
+// null; the goldens show mapped levels (cpc-omadm) and shifted elements.
+TEST(ContextJson, UnknownAuthenticationLevelIsNull) {
+    tqsCtxAppAuth auth{};
+    auth.pszAAuthLevel = S("USER");
     tqsCtxApplication app{};
-    app.pszAppId = S("w7");
-    app.ptAppAuth = &auth1;
+    app.ptAppAuth = &auth;
     tqsClientProvCtx ctx{};
     ctx.ptApplication = &app;
-    ctx.ptPxLogical = &px;
-    const std::string json = ContextJson(ctx);
-    for (const char *part :
-         {"\"AAUTHLEVEL\": \"APPSRV\",\n            \"app\": {\n              \"AAUTHLEVEL\": \"APPSRV\"",
-          "\"AAUTHLEVEL\": \"USER\",\n            \"app\": {\n              \"AAUTHLEVEL\": null",
-          "\"PXADDRTYPE\": \"IPV6\",\n            \"app\": {\n              \"PXADDRTYPE\": \"NET_ADDR_IPV6\""
-          "\n            },\n            \"PORT\": [\n              {\n"
-          "                \"PORTNBR\": \"8080\""})
-        EXPECT_NE(json.find(part), std::string::npos) << part << "\n" << json;
+    std::string json;
+    JsonWriter writer(&json);
+    writer.BeginObject();
+    WriteContextJson(writer, ctx);
+    EXPECT_NE(
+        json.find("\"AAUTHLEVEL\": \"USER\",\n            \"app\": {\n              \"AAUTHLEVEL\": null\n"
+                  "            }"),
+        std::string::npos)
+        << json;
 }
 
 // A TqsList over nodes that live in the test.
