@@ -1,8 +1,9 @@
 #include "wap_tree.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
+#include <map>
+#include <regex>
 #include <span>
 
 #include "tqsClientProvFields.h"
@@ -61,21 +62,6 @@ std::vector<Node> FromList(const TqsList *ptList, std::set<void *> *kept) {
     return out;
 }
 
-// The value of attribute `name` in the text of a start tag (the corpus XML
-// has no entities).
-bool Attribute(const std::string &tag, const std::string &name, std::string *value) {
-    for (size_t pos = tag.find(name); pos != std::string::npos; pos = tag.find(name, pos + 1)) {
-        size_t eq = tag.find_first_not_of(" \t\r\n", pos + name.size());
-        if (pos == 0 || !std::isspace(static_cast<unsigned char>(tag[pos - 1])) || eq == std::string::npos ||
-            tag[eq] != '=')
-            continue;
-        size_t q = tag.find_first_of("\"'", eq);
-        *value = tag.substr(q + 1, tag.find(tag[q], q + 1) - q - 1);
-        return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 const std::vector<Slot> &Slots() {
@@ -113,36 +99,27 @@ std::set<void *> Kept(const tqsWapDoc *ptDoc) {
 }
 
 std::vector<Node> FromXml(const std::string &xml) {
+    // A comment, or a characteristic or parm tag: closing mark, name, attributes,
+    // self-closing mark (the corpus XML has no entities).
+    static const std::regex kTag(R"(<!--[\s\S]*?-->|<(/?)(characteristic|parm)(\s[^>]*?)?(/?)>)");
+    static const std::regex kAttribute(R"re(\s(\w+)\s*=\s*(["'])([\s\S]*?)\2)re");
     std::vector<Node> roots;
     std::vector<Node *> stack;
-    size_t pos = 0;
-    while ((pos = xml.find('<', pos)) != std::string::npos) {
-        if (xml.compare(pos, 4, "<!--") == 0) {
-            pos = xml.find("-->", pos) + 3;
-            continue;
-        }
-        size_t end = xml.find('>', pos);
-        std::string tag = xml.substr(pos + 1, end - pos - 1);
-        pos = end + 1;
-        if (tag.empty() || tag[0] == '?' || tag[0] == '!') continue;
-        bool closing = tag[0] == '/';
-        bool selfClosing = tag.back() == '/';
-        std::string name = tag.substr(closing ? 1 : 0, tag.find_first_of(" \t\r\n/", 1) - (closing ? 1 : 0));
-        if (name == "characteristic") {
-            if (closing) {
-                if (!stack.empty()) stack.pop_back();
-                continue;
-            }
-            Node node;
-            Attribute(tag, "type", &node.type);
+    for (std::sregex_iterator tag(xml.begin(), xml.end(), kTag), end; tag != end; ++tag) {
+        const std::string closing = (*tag)[1], name = (*tag)[2], text = (*tag)[3];
+        std::map<std::string, std::string> attributes;
+        for (std::sregex_iterator a(text.begin(), text.end(), kAttribute); a != end; ++a)
+            attributes.emplace((*a)[1], (*a)[3]);
+        if (name == "characteristic" && !closing.empty()) {
+            if (!stack.empty()) stack.pop_back();
+        } else if (name == "characteristic") {
             std::vector<Node> &siblings = stack.empty() ? roots : stack.back()->children;
-            siblings.push_back(node);
-            if (!selfClosing) stack.push_back(&siblings.back());
-        } else if (name == "parm" && !closing && !stack.empty()) {
-            std::string parmName, value;
-            Attribute(tag, "name", &parmName);
-            stack.back()->parms.push_back(Attribute(tag, "value", &value) ? parmName + "=" + value
-                                                                          : parmName);
+            siblings.push_back(Node{attributes["type"], {}, {}});
+            if ((*tag)[4].length() == 0) stack.push_back(&siblings.back());
+        } else if (name == "parm" && closing.empty() && !stack.empty()) {
+            const auto value = attributes.find("value");
+            stack.back()->parms.push_back(attributes["name"] +
+                                          (value != attributes.end() ? "=" + value->second : ""));
         }
     }
     return roots;

@@ -14,7 +14,8 @@ namespace waptree {
 
 // One pointer field of a record.
 struct Field {
-    enum Kind { kString, kList, kChars, kPairName, kPairValue } kind;  // list: of strings; chars: nested
+    // kList: a list of strings; kChars: a list of nested characteristics.
+    enum Kind { kString, kList, kChars, kPairName, kPairValue } kind;
     std::string name;  // parm name of a string or list
     bool kept;         // the release leaves the block allocated
 };
