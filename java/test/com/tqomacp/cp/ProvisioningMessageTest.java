@@ -37,32 +37,10 @@ public class ProvisioningMessageTest {
     assertTrue("samples parsed: " + parsed, parsed >= 50);
   }
 
-  // What the corpus lacks: two NAPDEFs with two VALIDITY each, the first with NAP-ADDRTYPE as the
-  // raw code 0x89 and a text BEARER before GSM-GPRS, the second with the token E164; ROAMING in
-  // two APPLICATIONs (w5, w2); a WI-FI whose twelve parms are "a" to "l". A push with SEC
-  // USERPIN and no MAC.
-  private static final String BUILT =
-      "010603b69181030b6a0045c600005501871106034e41503100018708060361706e2e6f6e6500018709060389"
-      + "0001870a06034953444e00018710060374657874206265617265720001871006ab01c6000054018712060356"
-      + "3131000101c6000054018712060356313200010101c600005501871106034e41503200018709068701870a06"
-      + "034953444e0001c60000540187120603563231000101c6000054018712060356323200010101c60001550187"
-      + "36060377350001c65003524f414d494e47000187050353594e432d414c4c4f57454400060331000187050353"
-      + "594e432d44454641554c540006033000010101c6000155018736060377320001c65003524f414d494e470001"
-      + "87050353594e432d414c4c4f5745440006033200010101c6500357492d464900018705034e45545353494400"
-      + "06036100018705035345434d4f44450006036200018705034541504d4554484f440006036300018705034541"
-      + "5054595045000603640001870503555345524e414d45000603650001870503414e4f4e555345524e414d4500"
-      + "060366000187050350415353574f524400060367000187050343414345525400060368000187050355534552"
-      + "434552540006036900018705035048415345310006036a000187050341555448414c474f524954484d000603"
-      + "6b00018705035052494f524954590006036c00010101";
-
   @Test
   public void builtDocumentEqualsTheNatives() throws ProvisioningException {
-    byte[] pdu = new byte[BUILT.length() / 2];
-    for (int i = 0; i < pdu.length; i++) {
-      pdu[i] = (byte) Integer.parseInt(BUILT.substring(2 * i, 2 * i + 2), 16);
-    }
-    assertTrue(sameAsNatives("built", pdu));
-    ProvisioningDocument d = ProvisioningMessage.parse(pdu).document();
+    assertTrue(sameAsNatives("built", Samples.BUILT));
+    ProvisioningDocument d = ProvisioningMessage.parse(Samples.BUILT).document();
     NapDef first = d.napDefs().get(0);
     NapDef second = d.napDefs().get(1);
     assertEquals(Arrays.asList("APN", false, "ISDN", Arrays.asList(null, "GSM-GPRS")),

@@ -7,10 +7,8 @@ import static com.tqomacp.eng.parser.XCPCtxPxLogical.*;
 import static org.junit.Assert.*;
 
 import com.tqomacp.cp.Samples;
-import java.io.ByteArrayOutputStream;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
-import java.nio.charset.StandardCharsets;
 import java.util.Arrays;
 import java.util.Comparator;
 import java.util.List;
@@ -121,52 +119,20 @@ public class NativesTest {
     assertEquals(65, parsed);
   }
 
-  /** Bytes as given, strings as inline strings (STR_I, UTF-8, zero-terminated). */
-  private static byte[] wbxml(Object... parts) {
-    ByteArrayOutputStream out = new ByteArrayOutputStream();
-    for (Object part : parts) {
-      if (part instanceof String) {
-        out.write(0x03);
-        out.writeBytes(((String) part).getBytes(StandardCharsets.UTF_8));
-        out.write(0x00);
-      } else {
-        out.write((Integer) part);
-      }
-    }
-    return out.toByteArray();
-  }
-
-  private static final int CHAR = 0xC6, PARM = 0x87, VALUE = 0x06, END = 0x01;
-  private static final String EMOJI = "\u00e9\u20ac\ud83d\ude00";
-  private static final byte[] PUSH = wbxml(0x01, 0x06, 0x03, 0xB6, 0x91, 0x81, // push, SEC USERPIN
-      0x03, 0x0B, 0x6A, 0x00, 0x45, // WBXML 1.3, PROV 1.0, UTF-8, document
-      CHAR, 0x51, END, // PXLOGICAL
-      PARM, 0x07, VALUE, 0x03, 0x85, 0x78, 0x00, END, // NAME: a lone code byte, then x
-      PARM, 0x1C, VALUE, EMOJI, END, END, // STARTPAGE: two-, three- and four-byte UTF-8
-      CHAR, 0x55, END, PARM, 0x11, VALUE, "NAP1", END, // NAPDEF NAP1
-      PARM, 0x10, VALUE, "text", END, PARM, 0x10, VALUE, 0xAB, END, // BEARER text, GSM-GPRS
-      CHAR, 0x54, END, PARM, 0x12, VALUE, "V11", END, END, END, // VALIDITY
-      CHAR, 0x55, END, PARM, 0x11, VALUE, "NAP2", END, PARM, 0x10, VALUE, 0xAB, END, // NAPDEF NAP2
-      CHAR, 0x54, END, PARM, 0x12, VALUE, "V21", END, END, // two VALIDITY
-      CHAR, 0x54, END, PARM, 0x12, VALUE, "V22", END, END, END,
-      CHAR, 0x00, 0x01, 0x55, END, // APPLICATION (page 1)
-      CHAR, 0x56, END, PARM, 0x34, VALUE, "host", END, // APPADDR, ADDR
-      CHAR, 0x00, 0x00, 0x53, END, PARM, 0x24, VALUE, 0xCB, END, // PORT (page 0), SERVICE CO-WSP
-      END, END, END, END);
-
   @Test
   public void stringsCountsAndTheCursorOnABuiltPush() {
     // Any mode other than 1 decodes the body.
-    assertTrue(tqomacp_parser(PUSH, PUSH.length, 7));
+    assertTrue(tqomacp_parser(Samples.BUILT, Samples.BUILT.length, 7));
     String[] proxy = tqomacp_GetProxyData(1);
     assertEquals("\u0085x", proxy[4]); // a lone code byte becomes the char of the same value
-    assertEquals(EMOJI, proxy[7]); // a supplementary character arrives as its surrogate pair
+    // A supplementary character arrives as its surrogate pair.
+    assertEquals("\u00e9\u20ac\ud83d\ude00", proxy[7]);
 
     // The BEARER count walks "while below n": 0 and negatives select the first NAPDEF. A text
-    // bearer answers with the NAP-ADDRESS, and there is none here.
+    // bearer answers with the NAP-ADDRESS.
     assertArrayEquals(new int[] {2, 2, 2, 1}, new int[] {tqomacp_GetPxBearerCount(0),
       tqomacp_GetPxBearerCount(-4), tqomacp_GetPxBearerCount(1), tqomacp_GetPxBearerCount(2)});
-    assertArrayEquals(new String[] {null, "GSM-GPRS"},
+    assertArrayEquals(new String[] {"apn.one", "GSM-GPRS"},
         new String[] {tqomacp_GetPxBearerData(1, 1), tqomacp_GetPxBearerData(1, 2)});
     // n selects the NAPDEF and then its n-th VALIDITY; k is never used.
     assertEquals("V11", tqomacp_GetPxValidityData(1, 5)[0]);
@@ -175,7 +141,7 @@ public class NativesTest {
     assertEquals("\u00cb", tqomacp_GetPxServiceData(1, 1, 1, 1));
 
     // A header-only parse replaces the header and leaves the context in place.
-    assertTrue(tqomacp_parser(Arrays.copyOf(PUSH, 6), 6, MODE_HEADER_ONLY));
+    assertTrue(tqomacp_parser(Arrays.copyOf(Samples.BUILT, 6), 6, MODE_HEADER_ONLY));
     assertEquals(0, tqomacp_GetParserBodyLen());
     assertEquals(2, tqomacp_GetPxNapDefCount());
 
