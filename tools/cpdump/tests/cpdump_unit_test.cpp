@@ -6,7 +6,6 @@
 #include <span>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "input.h"
 #include "records.h"
@@ -151,21 +150,6 @@ TEST(ContextJson, UnknownAuthenticationLevelIsNull) {
         << json;
 }
 
-// A TqsList over nodes that live in the test.
-struct StackList {
-    std::vector<TqsListNode> nodes;
-    TqsList list{};
-
-    explicit StackList(std::vector<void *> items) : nodes(items.size()) {
-        for (std::size_t i = 0; i < items.size(); ++i) {
-            nodes[i].pItem = items[i];
-            nodes[i].ptNext = i + 1 < items.size() ? &nodes[i + 1] : nullptr;
-        }
-        list.nCount = static_cast<uint32_t>(items.size());
-        list.ptHead = nodes.empty() ? nullptr : &nodes[0];
-    }
-};
-
 // The corpus goldens cover the ordinary records; these are the odd ones.
 TEST(TreeXml, EmptyDocumentCharacteristicWithoutRecordAndParmWithoutValue) {
     auto tree = [](const tqsWapDoc *doc) {
@@ -174,16 +158,17 @@ TEST(TreeXml, EmptyDocumentCharacteristicWithoutRecordAndParmWithoutValue) {
         return xml;
     };
     EXPECT_EQ(tree(nullptr), "<wap-provisioningdoc/>\n");
-    StackList none({});
-    tqsWapDoc empty{&none.list};
+    TqsList none{};
+    tqsWapDoc empty{&none};
     EXPECT_EQ(tree(&empty), "<wap-provisioningdoc/>\n");
 
     tqsWapVendorConfig vendor{nullptr, S("FLAG"), nullptr};
     tqsWapCharacter vendor_char{};
     vendor_char.ptVendorConfig = &vendor;
     tqsWapCharacter empty_char{};
-    StackList top({&empty_char, &vendor_char});
-    tqsWapDoc doc{&top.list};
+    TqsListNode second{&vendor_char, nullptr}, first{&empty_char, &second};
+    TqsList top{2, &first, nullptr};
+    tqsWapDoc doc{&top};
     EXPECT_EQ(tree(&doc),
               "<wap-provisioningdoc>\n"
               "  <characteristic/>\n"
