@@ -105,22 +105,10 @@ public class ProvisioningMessageTest {
     assertEquals(Arrays.asList("GSM-CSD"), nap.bearers());
     assertEquals("228", nap.validities().get(0).country());
 
-    // A text bearer, for which the native gives the NAP-ADDRESS.
-    NapDef lg = ProvisioningMessage.parse(Samples.pdu("pdus/lg-apn-strtable-auto.pdu"))
-        .document().napDefs().get(0);
-    assertEquals(Arrays.asList((String) null), lg.bearers());
-
     ProvisioningDocument own =
         ProvisioningMessage.parse(Samples.pdu("pdus/own/identity-vendor-access.pdu")).document();
     assertEquals("empty", own.napDefs().get(0).init());
     assertEquals("client-0001", own.clientIdentity());
-
-    // Proxy PORT services are counted, not named.
-    PxLogical cmcc = ProvisioningMessage.parse(Samples.pdu("pdus/gaia-cmcc-two-proxies.pdu"))
-        .document().proxies().get(1);
-    assertEquals(Arrays.asList("9203", Arrays.asList((String) null)),
-        Arrays.asList(cmcc.physicals().get(0).ports().get(0).portNumber(),
-            cmcc.physicals().get(0).ports().get(0).services()));
   }
 
   private static void sameHeader(String at, PushHeader h) {
