@@ -1,6 +1,7 @@
 #include "fake_jni.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -68,15 +69,10 @@ constexpr std::size_t kVmSlots = sizeof(JNIInvokeInterface_) / sizeof(void *);
 // continuation byte, no 0xF8..0xFF, nothing cut off by the end.
 bool isModifiedUtf8(const char *text) {
     for (const auto *s = reinterpret_cast<const unsigned char *>(text); *s != 0;) {
-        const unsigned char lead = *s++;
-        int more = lead < 0x80   ? 0
-                   : lead < 0xC0 ? -1
-                   : lead < 0xE0 ? 1
-                   : lead < 0xF0 ? 2
-                   : lead < 0xF8 ? 3
-                                 : -1;
-        if (more < 0) return false;
-        for (; more > 0; --more, ++s) {
+        // Leading one bits: 0 for ASCII, 1 for a continuation byte, else the sequence's length.
+        const int ones = std::countl_one(*s++);
+        if (ones == 1 || ones > 4) return false;
+        for (int more = ones - (ones != 0); more > 0; --more, ++s) {
             if ((*s & 0xC0) != 0x80) return false;
         }
     }
@@ -117,10 +113,9 @@ struct FakeJvm::State {
     std::string pending;
     std::map<std::string, std::size_t> calls;
 
-    static State *of(JNIEnv *e) { return reinterpret_cast<Tables *>(e)->owner; }
     // The state behind `e`, with the call counted.
     static State *enter(JNIEnv *e, const char *fn) {
-        State *s = of(e);
+        State *s = reinterpret_cast<Tables *>(e)->owner;
         ++s->calls[fn];
         return s;
     }
