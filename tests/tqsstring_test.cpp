@@ -197,12 +197,7 @@ TEST(TqsString, ClassificationAndDump) {
     char dest[256];
     const unsigned char three[] = {0x41, 0x00, 0x7F};
     EXPECT_EQ(tqsStrBinaryDump(dest, three, 3), dest);
-    EXPECT_STREQ(dest, "41 00 7F A..");
-    const unsigned char seventeen[] = "abcdefghijklmnopq";
-    tqsStrBinaryDump(dest, seventeen, 17);
-    EXPECT_STREQ(dest, "61 62 63 64 65 66 67 68 69 6A 6B 6C 6D 6E 6F 70    abcdefghijklmnop\r\n71 q");
-    tqsStrBinaryDump(dest, seventeen, 0);
-    EXPECT_STREQ(dest, "");
+    EXPECT_STREQ(dest, "41 00 7F A..");  // longer and empty dumps: tqcTraceDump22's tests
 }
 
 }  // namespace
