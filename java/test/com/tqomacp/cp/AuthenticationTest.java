@@ -5,6 +5,7 @@ import static org.junit.Assert.*;
 
 import java.io.ByteArrayOutputStream;
 import java.nio.charset.StandardCharsets;
+import java.util.Arrays;
 import java.util.Map;
 import org.junit.Test;
 
@@ -16,20 +17,18 @@ public class AuthenticationTest {
   private static final String BANK = "ws-bank-userpin.pdu";
   private static final String IMSI = "466923103145252";
   private static final String HIWEB_IMSI = "432129951539038";
+  private static final String EMPTY = "moz-empty-doc-netwpin.wbxml";
+  private static final String USERPIN_MAC = "6CD48BFD7FFC33183154734DF4434DA694E25E6A";
 
-  /** A push: content type 0xB6, the SEC bytes (none when empty), the MAC, the body. */
-  private static byte[] push(byte[] sec, String mac, String bodyFile) {
+  /** A push: content type 0xB6, the SEC parameter's bytes (none: no SEC), the MAC, the body. */
+  private static byte[] push(String bodyFile, String mac, int... sec) {
     byte[] macParameter = ("\u0092" + mac + "\0").getBytes(StandardCharsets.ISO_8859_1);
     ByteArrayOutputStream pdu = new ByteArrayOutputStream();
     pdu.writeBytes(new byte[] {1, 6, (byte) (1 + sec.length + macParameter.length), (byte) 0xB6});
-    pdu.writeBytes(sec);
+    Arrays.stream(sec).forEach(pdu::write);
     pdu.writeBytes(macParameter);
     pdu.writeBytes(Samples.body(bodyFile));
     return pdu.toByteArray();
-  }
-
-  private static byte[] sec(int code) {
-    return new byte[] {(byte) 0x91, (byte) code};
   }
 
   private static Authentication check(byte[] pdu, String imsi, String pin) throws ProvisioningException {
@@ -55,30 +54,23 @@ public class AuthenticationTest {
       {Samples.pdu("ph-smart-mms-netwpin.pdu"), IMSI, null, NOT_AUTHENTIC},
       // SEC NETWPIN without a MAC.
       {Samples.pdu("pdus/cpc-email.pdu"), IMSI, "1234", NOT_SIGNED},
-      {push(sec(0x80), "1af545fe2823dc9347064450f90ff1bbf957e146", "moz-empty-doc-netwpin.wbxml"),
-          IMSI, null, AUTHENTIC},
-      {push(sec(0x80), "1AF545FE2823DC9347064450F90FF1BBF957E146", "moz-empty-doc-netwpin.wbxml"),
+      {push(EMPTY, "1af545fe2823dc9347064450f90ff1bbf957e146", 0x91, 0x80), IMSI, null, AUTHENTIC},
+      {push(EMPTY, "1AF545FE2823DC9347064450F90FF1BBF957E146", 0x91, 0x80),
           "466923103145253", null, NOT_AUTHENTIC},
-      {push(sec(0x80), "BB9603D3D43CF472656B5ECD157BC66801DA695F", "apnprov-ref-myapn.wbxml"),
+      {push("apnprov-ref-myapn.wbxml", "BB9603D3D43CF472656B5ECD157BC66801DA695F", 0x91, 0x80),
           "001010123456789", null, AUTHENTIC},
-      {push(sec(0x80), "346A77ECD1ED230CC996F553551E0E8B63F0E9EB", "apnprov-hiweb.wbxml"),
+      {push("apnprov-hiweb.wbxml", "346A77ECD1ED230CC996F553551E0E8B63F0E9EB", 0x91, 0x80),
           HIWEB_IMSI, "1234", AUTHENTIC},
-      {push(sec(0x82), "B450536F898493EE37D7F3848B5C9D5C59B022A0", "apnprov-hiweb.wbxml"),
+      {push("apnprov-hiweb.wbxml", "B450536F898493EE37D7F3848B5C9D5C59B022A0", 0x91, 0x82),
           HIWEB_IMSI, "1234", AUTHENTIC},
-      {push(sec(0x82), "B450536F898493EE37D7F3848B5C9D5C59B022A0", "apnprov-hiweb.wbxml"),
+      {push("apnprov-hiweb.wbxml", "B450536F898493EE37D7F3848B5C9D5C59B022A0", 0x91, 0x82),
           HIWEB_IMSI, null, CREDENTIAL_MISSING},
       // SEC as the text "SEC" and the value as the digit "1" (USERPIN).
-      {push("SEC\u00001".getBytes(StandardCharsets.US_ASCII),
-          "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
-          null, "1234", AUTHENTIC},
-      {push(sec(0x81), "6CD48BFD7FFC33183154734DF4434DA694E25E6", "moz-empty-doc-netwpin.wbxml"),
-          null, "1234", NOT_AUTHENTIC},
-      {push(sec(0x83), "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
-          IMSI, "1234", UNSUPPORTED},
-      {push(sec(0x01), "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
-          IMSI, "1234", UNSUPPORTED},
-      {push(new byte[0], "6CD48BFD7FFC33183154734DF4434DA694E25E6A", "moz-empty-doc-netwpin.wbxml"),
-          IMSI, "1234", NOT_SIGNED},
+      {push(EMPTY, USERPIN_MAC, 'S', 'E', 'C', 0, '1'), null, "1234", AUTHENTIC},
+      {push(EMPTY, USERPIN_MAC.substring(0, 39), 0x91, 0x81), null, "1234", NOT_AUTHENTIC},
+      {push(EMPTY, USERPIN_MAC, 0x91, 0x83), IMSI, "1234", UNSUPPORTED},
+      {push(EMPTY, USERPIN_MAC, 0x91, 0x01), IMSI, "1234", UNSUPPORTED},
+      {push(EMPTY, USERPIN_MAC), IMSI, "1234", NOT_SIGNED},
     };
     for (int i = 0; i < cases.length; i++) {
       Object[] c = cases[i];
