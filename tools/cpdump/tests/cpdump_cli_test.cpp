@@ -138,9 +138,8 @@ TEST(Options, HelpAndVersion) {
     EXPECT_EQ(r.exit, 0);
     EXPECT_EQ(r.out.rfind("Usage: cpdump [OPTION]... [FILE|-]\n", 0), 0u) << r.out;
     for (const char *option : {"--header-only", "--body", "--sms", "--pin", "--imsi", "--require-authentic",
-                               "--xml", "--summary", "--trace", "--leaks", "--version"}) {
+                               "--xml", "--summary", "--trace", "--leaks", "--version"})
         EXPECT_NE(r.out.find(option), std::string::npos) << option;
-    }
     r = RunCpdump({"--version"});
     EXPECT_EQ(r.exit, 0);
     EXPECT_EQ(r.out.rfind("cpdump ", 0), 0u);
@@ -174,39 +173,30 @@ TEST(Options, UsageAndFileErrorsExitWithTwo) {
     EXPECT_NE(odd.err.find("odd number of hex digits"), std::string::npos) << odd.err;
 }
 
-TEST(Options, TraceGoesToStandardErrorAndLeavesTheOutputAlone) {
-    const std::string file = Corpus("ws-bank-userpin.pdu");
-    const Result plain = RunCpdump({file});
-    const Result traced = RunCpdump({"--trace", file});
-    ASSERT_EQ(traced.exit, 0);
-    EXPECT_EQ(traced.out, plain.out);
-    EXPECT_NE(traced.err.find("tqsClinetProvWbxmlDecoderMain"), std::string::npos);
-    EXPECT_NE(traced.err.find("[Syncml] "), std::string::npos);
-    EXPECT_NE(traced.err.find("Success"), std::string::npos);
-    EXPECT_GT(std::count(traced.err.begin(), traced.err.end(), '\n'), 100);
-}
-
-TEST(Options, LeaksReportsTheBlocksTheLibraryKeeps) {
-    const std::string wifi = (kInputs / "wifi-roaming-body.hex").string();
-    const Result plain = RunCpdump({"--body", wifi});
-    const Result r = RunCpdump({"--leaks", "--body", wifi});
-    ASSERT_EQ(r.exit, 0) << r.err;
-    EXPECT_EQ(r.out, plain.out);  // the report never mixes into the JSON
+// Tracing and the leak report go to standard error and leave the output alone.
+TEST(Options, TraceAndLeaksGoToStandardError) {
+    const std::string pdu = Corpus("ws-bank-userpin.pdu"),
+                      wifi = (kInputs / "wifi-roaming-body.hex").string();
+    const Result trace = RunCpdump({"--trace", pdu}), leaks = RunCpdump({"--leaks", "--body", wifi});
+    ASSERT_EQ(trace.exit, 0);
+    ASSERT_EQ(leaks.exit, 0) << leaks.err;
+    EXPECT_EQ(trace.out, RunCpdump({pdu}).out);
+    EXPECT_EQ(leaks.out, RunCpdump({"--body", wifi}).out);
+    for (const char *text : {"tqsClinetProvWbxmlDecoderMain", "[Syncml] ", "Success"})
+        EXPECT_NE(trace.err.find(text), std::string::npos) << text;
+    EXPECT_GT(std::count(trace.err.begin(), trace.err.end(), '\n'), 100);
     // The WI-FI chain and the ROAMING records of the context stay allocated, as
     // does the ROAMING record of the tree.
-    EXPECT_NE(r.err.find("[syncml] MEMCHECK Filename:jni/src/ClientProv/tqsClientProvCtx"), std::string::npos)
-        << r.err;
-    EXPECT_NE(r.err.find("[syncml] MEMCHECK Filename:jni/src/ClientProv/tqsClientProvWbxmlDecoder"),
-              std::string::npos)
-        << r.err;
-    EXPECT_NE(r.err.find("still allocated after release"), std::string::npos);
-
+    for (const char *unit : {"tqsClientProvCtx", "tqsClientProvWbxmlDecoder"})
+        EXPECT_NE(leaks.err.find(std::string("[syncml] MEMCHECK Filename:jni/src/ClientProv/") + unit),
+                  std::string::npos)
+            << leaks.err;
+    EXPECT_NE(leaks.err.find("still allocated after release"), std::string::npos);
     // A whole PDU: the body copy of the push header is never released.
-    const Result pdu = RunCpdump({"--leaks", Corpus("ws-bank-userpin.pdu")});
-    ASSERT_EQ(pdu.exit, 0);
-    EXPECT_NE(pdu.err.find("Filename:jni/src/ClientProv/tqspushhandler Line:167"), std::string::npos)
-        << pdu.err;
-    EXPECT_EQ(pdu.err.find("tqspushhandler Line:51"), std::string::npos) << pdu.err;
+    const Result r = RunCpdump({"--leaks", pdu});
+    ASSERT_EQ(r.exit, 0);
+    EXPECT_NE(r.err.find("Filename:jni/src/ClientProv/tqspushhandler Line:167"), std::string::npos) << r.err;
+    EXPECT_EQ(r.err.find("tqspushhandler Line:51"), std::string::npos) << r.err;
 }
 
 // The built-in sample's body decodes as the tail of the whole sample push.
