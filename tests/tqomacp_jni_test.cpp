@@ -100,9 +100,7 @@ TEST(TqomacpJniNames, ServiceBearerTablesAndElementMappings) {
         const char *element = "untouched";
         EXPECT_EQ(tqsJniMapElement(r.mapping, r.stored, &element), r.written)
             << r.mapping << (r.stored ? r.stored : "(null)");
-        EXPECT_EQ(element == nullptr ? std::string("(null)") : std::string(element),
-                  r.element == nullptr ? std::string("(null)") : std::string(r.element))
-            << r.mapping;
+        EXPECT_STREQ(element, r.element) << r.mapping;
     }
 }
 

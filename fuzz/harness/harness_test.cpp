@@ -83,39 +83,37 @@ TqsList *ListOf(std::initializer_list<void *> items) {
     return list;
 }
 
+// A characteristic holding `record` in its slot.
+template <typename T>
+tqsWapCharacter *CharOf(T *tqsWapCharacter::*slot, T *record) {
+    auto *c = NewRecord<tqsWapCharacter>();
+    c->*slot = record;
+    return c;
+}
+
 TEST_F(LeakAccounting, TreeReleaseKeepsExactlyTheNotedFields) {
     // APPLICATION (FROM, one XCAP, NAME) with a nested ROAMING; a NAPDEF with
     // INIT; a VENDORCONFIG with a parm. Everything not listed as kept is
     // released by the library, and the check must accept what remains.
     auto *roaming = NewRecord<tqsWapRoaming>();
     roaming->pszSyncAllowed = NewText("1");
-    auto *roamingChar = NewRecord<tqsWapCharacter>();
-    roamingChar->ptRoaming = roaming;
-
     auto *app = NewRecord<tqsWapApplication>();
     app->pszFrom = NewText("me");
     app->pszXcapAuidPms = NewText("pms");
     app->pszName = NewText("name");
     app->ptAddrList = ListOf({NewText("a")});
-    app->ptCharacterList = ListOf({roamingChar});
-    auto *appChar = NewRecord<tqsWapCharacter>();
-    appChar->ptApplication = app;
-
+    app->ptCharacterList = ListOf({CharOf(&tqsWapCharacter::ptRoaming, roaming)});
     auto *nap = NewRecord<tqsWapNapDef>();
     nap->pszInit = NewText("empty");
     nap->pszNapId = NewText("NAP1");
-    auto *napChar = NewRecord<tqsWapCharacter>();
-    napChar->ptNapDef = nap;
-
     auto *vendor = NewRecord<tqsWapVendorConfig>();
     vendor->pszParmName = NewText("P");
     vendor->pszParmValue = NewText("V");
     vendor->pszName = NewText("N");
-    auto *vendorChar = NewRecord<tqsWapCharacter>();
-    vendorChar->ptVendorConfig = vendor;
-
     auto *doc = NewRecord<tqsWapDoc>();
-    doc->ptCharacterList = ListOf({appChar, napChar, vendorChar});
+    doc->ptCharacterList =
+        ListOf({CharOf(&tqsWapCharacter::ptApplication, app), CharOf(&tqsWapCharacter::ptNapDef, nap),
+                CharOf(&tqsWapCharacter::ptVendorConfig, vendor)});
 
     // Wrapped at link time: the walker notes the kept fields first.
     EXPECT_EQ(tqsClientProvWbxmlDeleteWapDoc(doc), 1u);

@@ -119,14 +119,11 @@ struct FakeJvm::State {
         ++s->calls[fn];
         return s;
     }
-    static State *of(JavaVM *v) {
-        return reinterpret_cast<Tables *>(reinterpret_cast<char *>(v) - offsetof(Tables, vm))->owner;
-    }
 
-    Object *make(Kind kind) {
-        objects.push_back(std::make_unique<Object>());
-        Object *o = objects.back().get();
+    Object *make(Kind kind, const char *text = "") {
+        Object *o = objects.emplace_back(std::make_unique<Object>()).get();
         o->kind = kind;
+        o->text = text;
         live.insert(o);
         return o;
     }
@@ -152,7 +149,7 @@ namespace {
 using State = FakeJvm::State;
 
 jint JNICALL vmGetEnv(JavaVM *vm, void **penv, jint version) {
-    State *s = State::of(vm);
+    State *s = reinterpret_cast<Tables *>(reinterpret_cast<char *>(vm) - offsetof(Tables, vm))->owner;
     ++s->calls["GetEnv"];
     if (penv == nullptr) fatal("GetEnv with a null out pointer");
     if (!isKnownVersion(version) || version > s->supportedVersion) {
@@ -170,9 +167,7 @@ jclass JNICALL envFindClass(JNIEnv *env, const char *name) {
         s->pending = "java/lang/NoClassDefFoundError";
         return nullptr;
     }
-    Object *o = s->make(Kind::kClass);
-    o->text = name;
-    return reinterpret_cast<jclass>(o);
+    return reinterpret_cast<jclass>(s->make(Kind::kClass, name));
 }
 
 jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod *methods, jint n) {
@@ -261,9 +256,7 @@ jstring JNICALL envNewStringUTF(JNIEnv *env, const char *utf) {
     // for null itself.
     if (utf == nullptr) fatal("NewStringUTF with a null text");
     if (s->strictUtf8 && !isModifiedUtf8(utf)) fatal("NewStringUTF: text is not modified UTF-8");
-    Object *o = s->make(Kind::kString);
-    o->text = utf;
-    return reinterpret_cast<jstring>(o);
+    return reinterpret_cast<jstring>(s->make(Kind::kString, utf));
 }
 
 jobjectArray JNICALL envNewObjectArray(JNIEnv *env, jsize len, jclass clazz, jobject init) {
@@ -341,10 +334,6 @@ void FakeJvm::hideClass(const std::string &className) {
 }
 void FakeJvm::failRegistration(const std::string &className) {
     state_->failing.insert(className);
-}
-
-jbyteArray FakeJvm::newByteArray(const std::vector<std::uint8_t> &bytes) {
-    return newByteArray(bytes.data(), bytes.size());
 }
 
 jbyteArray FakeJvm::newByteArray(const void *data, std::size_t size) {

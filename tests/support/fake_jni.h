@@ -62,7 +62,9 @@ class FakeJvm {
     void setStrictUtf8(bool strict);
 
     // --- objects --------------------------------------------------------------
-    jbyteArray newByteArray(const std::vector<std::uint8_t> &bytes);
+    jbyteArray newByteArray(const std::vector<std::uint8_t> &bytes) {
+        return newByteArray(bytes.data(), bytes.size());
+    }
     jbyteArray newByteArray(const void *data, std::size_t size);
     // Contents of a byte array; aborts on null or a non-byte-array.
     std::vector<std::uint8_t> bytes(jbyteArray array) const;
