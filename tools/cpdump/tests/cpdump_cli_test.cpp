@@ -251,8 +251,8 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
 TEST(Authentication, KnownMacsAndWrongCredentials) {
     const struct {
         std::string pdu;
-        std::vector<std::string> credentials;
-        const char *result;
+        Args credentials;
+        std::string result;
     } cases[] = {
         {"ws-bank-userpin.pdu", {"--pin=1234"}, "authentic"},
         {"mihini-dm-bootstrap.pdu", {"--pin=1234"}, "authentic"},
@@ -268,15 +268,14 @@ TEST(Authentication, KnownMacsAndWrongCredentials) {
         {"ph-smart-mms-netwpin.pdu", {"--pin=1234"}, "credential missing"},
     };
     for (const auto &c : cases) {
-        SCOPED_TRACE(c.pdu + " " + (c.credentials.empty() ? "" : c.credentials[0]));
-        std::vector<std::string> args = c.credentials;
+        SCOPED_TRACE(c.pdu + " " + c.credentials[0]);
+        Args args = c.credentials;
         args.insert(args.end(), {"--header-only", "--require-authentic", Corpus(c.pdu)});
         const Result r = RunCpdump(args);
-        EXPECT_NE(r.out.find(std::string("\"result\": \"") + c.result + "\""), std::string::npos) << r.out;
-        const bool authentic = std::string(c.result) == "authentic";
+        EXPECT_NE(r.out.find("\"result\": \"" + c.result + "\""), std::string::npos) << r.out;
+        const bool authentic = c.result == "authentic";
         EXPECT_EQ(r.exit, authentic ? 0 : 3);
-        EXPECT_EQ(r.err,
-                  authentic ? "" : std::string("cpdump: the push is not authentic (") + c.result + ")\n");
+        EXPECT_EQ(r.err, authentic ? "" : "cpdump: the push is not authentic (" + c.result + ")\n");
     }
 }
 
