@@ -81,10 +81,8 @@ const std::map<std::string, std::map<std::string, Repeat>> &Catalogue() {
                 for (const std::string &name : ParmNames()) {
                     const std::string line = "<parm name=\"" + name + "\" value=\"";
                     auto decoded = [&](std::vector<Node> parms) {
-                        Node doc{Kind::kDocument,
-                                 "",
-                                 {},
-                                 {Node{Kind::kCharacteristic, type, {}, std::move(parms)}}};
+                        Node doc;
+                        doc.children.push_back({Kind::kCharacteristic, type, {}, std::move(parms)});
                         return LibraryXml(EncodeBody(doc, {}, nullptr));
                     };
                     const Node ab{Kind::kParm, name, "ab", {}}, cd{Kind::kParm, name, "cd", {}};
@@ -108,9 +106,8 @@ const std::map<std::string, std::map<std::string, Repeat>> &Catalogue() {
 // the bearer names.
 std::vector<std::string> TokenTexts() {
     std::vector<std::string> t;
-    for (int code = 0x80; code <= 0xFF; ++code) {
+    for (int code = 0x80; code <= 0xFF; ++code)
         if (!DecodedText(code).empty()) t.emplace_back(DecodedText(code));
-    }
     for (int i = 0; i < TQS_JNI_BEARER_CODES; ++i)
         t.push_back(tqsJniCodeNames[TQS_JNI_SERVICE_NAMES + i].name);
     return t;
@@ -189,9 +186,8 @@ std::string Canonical(const Node &n, bool join, int depth = 0) {
         }
     }
     std::string out = std::string(depth * 2, ' ') + n.name + "\n";
-    for (const auto &[name, values] : parms) {
+    for (const auto &[name, values] : parms)
         for (const std::string &v : values) out += std::string(depth * 2 + 2, ' ') + name + "=" + v + "\n";
-    }
     return out + children;
 }
 
@@ -203,9 +199,8 @@ std::string CanonicalOf(const std::string &xml) {
 }
 
 void CountTypes(const Node &n, std::set<std::string> *seen) {
-    for (const Node &c : n.children) {
+    for (const Node &c : n.children)
         if (c.kind == Kind::kCharacteristic) seen->insert(c.name), CountTypes(c, seen);
-    }
 }
 
 TEST(CpmakeGenerated, DecodeToWhatWasGenerated) {
