@@ -94,7 +94,6 @@ TEST(SmlBuffer, AppendGetDataAndPull) {
     EXPECT_EQ(Data(buffer), (Bytes{'a', 'b'}));
     smlBufferDelete(buffer);
 
-    // Every routine refuses a null buffer.
     for (TqsResult r :
          {smlBufferAppendTail(nullptr, "x", 1), smlBufferGetData(nullptr, out, 1), smlBufferPull(nullptr, 1),
           smlBufferInsertHead(nullptr, "x", 1), smlBufferCut(nullptr, 0, 1), smlBufferShifthead(nullptr),

@@ -64,8 +64,7 @@ TEST(TqcTrace, OversizedInputsAreBounded) {
     TraceCapture trace;
     std::string huge(30000, 'x');
     tqcTrace("%s", huge.c_str());
-    ASSERT_EQ(trace.lines().size(), 1u);
-    EXPECT_EQ(trace.lines()[0], std::string(TQC_TRACE_BUFFER_SIZE - 2, 'x') + "\n");
+    EXPECT_EQ(trace.lines(), Lines{std::string(TQC_TRACE_BUFFER_SIZE - 2, 'x') + "\n"});
 
     // A format text beyond the 100 spare bytes still yields the whole line.
     trace.Clear();
@@ -78,11 +77,9 @@ TEST(TqcTrace, OversizedInputsAreBounded) {
     struct Case {
         uint32_t length;
         size_t lineSize;
-    } cases[] = {{7410, 4 * 7410 + 5 * 463},
-                 {7421, TQC_DUMP_BUFFER_SIZE - 1},
-                 {7422, TQC_DUMP_BUFFER_SIZE - 1},
-                 {20000, TQC_DUMP_BUFFER_SIZE - 1}};
-    std::vector<unsigned char> big(20000);
+    } cases[] = {
+        {7410, 4 * 7410 + 5 * 463}, {7421, TQC_DUMP_BUFFER_SIZE - 1}, {7422, TQC_DUMP_BUFFER_SIZE - 1}};
+    std::vector<unsigned char> big(7422);
     for (size_t i = 0; i < big.size(); ++i) big[i] = static_cast<unsigned char>('a' + i % 26);
     for (const Case &c : cases) {
         trace.Clear();
