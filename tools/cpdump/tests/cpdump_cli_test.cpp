@@ -339,13 +339,16 @@ TEST(CorpusPdus, RefusalsAsRecordedAndTheSameOutputFromSms) {
 
 // Modem output as captured, and what is wrong with a set of TPDUs.
 TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
-    const std::vector<std::string> tpdus =
-        Tpdus(ReadBytes(kCorpus / "ws-bank-userpin.pdu"), 140, false, true);
+    const Bytes pdu = ReadBytes(kCorpus / "ws-bank-userpin.pdu");
+    const std::vector<std::string> tpdus = Tpdus(pdu, 140, false, true);
     ASSERT_EQ(tpdus.size(), 4u);
     // AT+CMGL output: SMSC addresses, segments out of order, modem talk around them.
     const std::string capture = ReadText(kInputs / "ws-bank-userpin-sms.txt");
     std::string seven_bit = tpdus[0];
     seven_bit.replace(2 * (8 + 10), 2, "00");  // DCS after the SMSC (8 bytes), GSM 7-bit
+    // Without WAP port addressing nothing says what the SMS hold.
+    std::string unaddressed;
+    for (const std::string &t : Tpdus(pdu, 140, false, true, false)) unaddressed += t + "\n";
     const Result expected = RunCpdump({Corpus("ws-bank-userpin.pdu")});
     const struct {
         bool named;  // --sms
@@ -358,6 +361,7 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
         {true, seven_bit, "SMS 1: data coding 0x00 is not 8-bit data; only 8-bit SMS carry a WAP push"},
         {true, "0102 zz\n", "line 1 is no TPDU in hex"},
         {true, "OK\n", "no TPDU in the input"},
+        {false, unaddressed, "not a WSP push PDU (PDU type 0x91); it looks like SMS TPDUs: try --sms"},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.in);
@@ -374,14 +378,6 @@ Bytes Doc(const Bytes &characteristics) {
     body.insert(body.end(), characteristics.begin(), characteristics.end());
     body.push_back(0x01);
     return Push(body);
-}
-
-// SMS that carry a push without WAP port addressing, so nothing says what they hold.
-Bytes UnaddressedSms() {
-    std::string text;
-    for (const std::string &tpdu : Tpdus(ReadBytes(kCorpus / "ws-bank-userpin.pdu"), 140, false, true, false))
-        text += tpdu + "\n";
-    return Bytes(text.begin(), text.end());
 }
 
 // The header reasons themselves are pinned in the unit test, the refusals of
@@ -419,8 +415,6 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
         {false, Doc({0xC6, 0x55, 0x01, 0x87, 0x11, 0x03, 'A', 0x00, 0x01, 0x01}),
          "malformed WBXML at body byte 12 (PDU byte 18), in NAPDEF/NAPID: 0x03 (STR_I) is read as neither "
          "the value attribute (0x06) nor END after the parm name"},
-        // Hints at what the input is instead.
-        {false, UnaddressedSms(), "not a WSP push PDU (PDU type 0x91); it looks like SMS TPDUs: try --sms"},
     };
     for (const auto &c : inputs) refused(c.body ? Args{"--body", "-"} : Args{"-"}, c.in, c.line);
     const struct {
@@ -431,6 +425,7 @@ TEST(Rejection, EveryReasonIsOneLineInWords) {
          "empty provisioning document (no characteristics)"},
         {{"--xml", "--body", Corpus("negative/moz-vendorconfig-truncated.wbxml")},
          "malformed WBXML: the body ends at byte 16, inside the document"},
+        // A hint at what the input is instead (SMS TPDUs: ModemCapturesAndBrokenSegmentSets).
         {{Corpus("sfos-dna-1.wbxml")},
          "not a WSP push PDU (PDU type 0x0B); it looks like a WBXML body without push header: try --body"},
     };
