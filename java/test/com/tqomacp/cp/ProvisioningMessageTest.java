@@ -83,18 +83,14 @@ public class ProvisioningMessageTest {
   }
 
   @Test
-  public void headerOfARefusedDocument() throws ProvisioningException {
-    // The refusal reasons of every sample are compared with the natives above.
-    byte[] truncated = Samples.pdu("pdus/negative/moz-vendorconfig-truncated.pdu");
-    assertEquals(Security.NETWPIN, ProvisioningMessage.parseHeader(truncated).security());
-  }
-
-  @Test
-  public void repairsOnKnownValues() throws ProvisioningException {
+  public void headersAndRepairsOnKnownValues() throws ProvisioningException {
     PushHeader header = ProvisioningMessage.parseHeader(Samples.pdu("ws-bank-userpin.pdu"));
     byte[] body = header.body();
     body[0] ^= 1;
     assertNotEquals(body[0], header.body()[0]);
+    // The header of a push whose document is refused (the refusal reasons: the comparison above).
+    byte[] truncated = Samples.pdu("pdus/negative/moz-vendorconfig-truncated.pdu");
+    assertEquals(Security.NETWPIN, ProvisioningMessage.parseHeader(truncated).security());
 
     ProvisioningDocument bank = ProvisioningMessage.parse(Samples.pdu("ws-bank-userpin.pdu")).document();
     NapDef nap = bank.napDefs().get(0);
@@ -131,7 +127,7 @@ public class ProvisioningMessageTest {
       each(at, tqomacp_GetPxAuthInfoCount(p), x.authInfos(), (k, a) ->
           row(at, tqomacp_GetPxAuthInfoData(p, k), a.authType(), a.authId(), a.authPw()));
       each(at, tqomacp_GetPxPortCount(p), x.ports(), (k, port) -> port(at, port,
-          tqomacp_GetPxPortData(p, k), withheld(tqomacp_GetPxPortServiceCount(p, k))));
+          tqomacp_GetPxPortData(p, k), Arrays.asList(new String[tqomacp_GetPxPortServiceCount(p, k)])));
       each(at, tqomacp_GetPxPhysicalCount(p), x.physicals(), (k, y) -> {
         row(at, tqomacp_GetPxPhysicalData(p, k), y.physicalProxyId(), y.address(),
             y.addressType(), y.addressFqdn(), y.wspVersion(), y.pushEnabled(), y.pullEnabled());
@@ -141,7 +137,7 @@ public class ProvisioningMessageTest {
             n -> tqomacp_GetPxPhysicalNapIdData(p, k, n), y.toNapIds());
         each(at, tqomacp_GetPxPhysicalPortCount(p, k), y.ports(), (t, port) -> port(at, port,
             tqomacp_GetPxPhysicalPortData(p, k, t),
-            withheld(tqomacp_GetPxPhysicalPortServiceCount(p, k, t))));
+            Arrays.asList(new String[tqomacp_GetPxPhysicalPortServiceCount(p, k, t)])));
       });
     });
 
@@ -248,6 +244,7 @@ public class ProvisioningMessageTest {
     }
   }
 
+  /** A PORT: its number and its services (proxy ones are counted but withheld: nulls). */
   private static void port(String at, Port port, String number, List<String> services) {
     assertEquals(at, Arrays.asList(number, services), Arrays.asList(port.portNumber(), port.services()));
   }
@@ -266,9 +263,5 @@ public class ProvisioningMessageTest {
 
   private static void strings(String at, int count, IntFunction<String> item, List<String> read) {
     assertEquals(at, items(count, item), read);
-  }
-
-  private static List<String> withheld(int count) {
-    return Arrays.asList(new String[count]);
   }
 }
