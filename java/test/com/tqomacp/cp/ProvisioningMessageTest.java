@@ -43,11 +43,9 @@ public class ProvisioningMessageTest {
     ProvisioningDocument d = ProvisioningMessage.parse(Samples.BUILT).document();
     NapDef first = d.napDefs().get(0);
     NapDef second = d.napDefs().get(1);
-    assertEquals(Arrays.asList("APN", false, "ISDN", Arrays.asList(null, "GSM-GPRS")),
+    assertEquals(Arrays.asList("APN", false, "ISDN", Arrays.asList(null, "GSM-GPRS"), null, true, "ISDN"),
         Arrays.asList(first.napAddressType(), first.napAddressTypeWithheld(), first.callType(),
-            first.bearers()));
-    assertEquals(Arrays.asList(null, true, "ISDN"), Arrays.asList(second.napAddressType(),
-        second.napAddressTypeWithheld(), second.callType()));
+            first.bearers(), second.napAddressType(), second.napAddressTypeWithheld(), second.callType()));
     assertEquals(Arrays.asList("V11", null, null, "V22"), Arrays.asList(
         first.validities().get(0).country(), first.validities().get(1),
         second.validities().get(0), second.validities().get(1).country()));
