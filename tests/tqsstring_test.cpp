@@ -71,7 +71,6 @@ TEST(TqsString, StrncatStopsAfterTheNthCharacterWithoutZero) {
         {3, "aXYZq"},  // the n-th is the last: still no zero
         {4, zero},     // the zero comes first
         {0, zero},     // no limit
-        {-5, zero},    // no limit
     };
     for (const Case &c : cases) {
         char d[8] = {'a', '\0', 'q', 'q', 'q', 'q', 'q', 'q'};
