@@ -45,7 +45,6 @@ TEST(Escaping, JsonKeepsUtf8AndShowsOtherBytesXmlUsesEntities) {
     struct Case {
         std::string in, out;
     } cases[] = {
-        {"plain", "plain"},
         {"a\"b\\c", "a\\\"b\\\\c"},
         {"line\nbreak\ttab\r", "line\\nbreak\\ttab\\r"},
         {std::string("\x01\x1F\x7F", 3), "\\u0001\\u001F\\u007F"},
