@@ -354,13 +354,11 @@ TEST_F(CtxTest, ApplicationChildrenKeepDocumentOrderAndReleaseRecordByRecord) {
     ctx->ptAppAddr = nullptr;
     TraceCapture trace;
     tqsClientProvCtxDelectContextAppAddr(appAddr);
-    EXPECT_EQ(trace.lines(), (Texts{
-                                 "[Syncml] tqsClientProvCtxDelectContextAppAddr()\n",
-                                 "[Syncml] tqsClientProvCtxDelectContextPort()\n",
-                                 "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
-                                 "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
-                                 "[Syncml] tqsClientProvCtxDelectContextPort()\n",
-                             }));
+    EXPECT_EQ(trace.lines(), (Texts{"[Syncml] tqsClientProvCtxDelectContextAppAddr()\n",
+                                    "[Syncml] tqsClientProvCtxDelectContextPort()\n",
+                                    "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
+                                    "[Syncml] tqsClientProvCtxDelectContextServiceList()\n",
+                                    "[Syncml] tqsClientProvCtxDelectContextPort()\n"}));
     tqsClientProvCtxDelectContextApplication(ctx);
 }
 

@@ -185,7 +185,7 @@ jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod
             std::strchr(m.signature, ')') == nullptr) {
             return refuse();
         }
-        reg.methods.push_back({m.name, m.signature, m.fnPtr});
+        reg.methods.push_back({m.name, m.fnPtr});
     }
     if (s->failing.count(cls->text) != 0) return refuse();
     s->registrations.push_back(std::move(reg));

@@ -1,11 +1,8 @@
 // A minimal in-process Java VM for tests, benchmarks and fuzzers: a JavaVM
 // and a JNIEnv whose function tables implement only the calls the library
-// makes (GetEnv, FindClass, RegisterNatives, GetByteArrayElements,
-// ReleaseByteArrayElements, GetArrayLength, NewByteArray, SetByteArrayRegion,
-// NewStringUTF, NewObjectArray, SetObjectArrayElement) over plain C++
-// objects. Byte array elements are copies, as HotSpot makes them. Every other
-// slot aborts with its slot number, so a new JNI call in the library shows up
-// at once instead of silently doing nothing.
+// makes, over plain C++ objects. Byte array elements are copies, as HotSpot
+// makes them. Every other slot aborts with its slot number, so a new JNI call
+// in the library shows up at once instead of silently doing nothing.
 //
 // Objects live until reset() (or the FakeJvm's destruction), like local
 // references of one long native frame. Misuse that a real VM would punish
@@ -28,7 +25,6 @@ namespace fakejni {
 // One entry handed to RegisterNatives, copied.
 struct NativeMethod {
     std::string name;
-    std::string signature;
     void *fnPtr;
 };
 
