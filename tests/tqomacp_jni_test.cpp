@@ -161,9 +161,7 @@ TEST_F(TqomacpJniGetters, ServiceNamesGoByPositionAndRunIntoTheBearerTable) {
 
     // A PXPHYSICAL port with 40 services reaches past both tables.
     auto phys = ctx.Chain(&px[0]->ptPxPhysical, 1);
-    auto physPorts = ctx.Chain(&phys[0]->ptPort, 1);
-    tqsCtxStrNode **tail = &physPorts[0]->ptService;
-    for (int i = 0; i < 40; ++i, tail = &(*tail)->ptNext) *tail = ctx.List({"x"});
+    ctx.Chain(&ctx.Chain(&phys[0]->ptPort, 1)[0]->ptService, 40);
     struct Row {
         jint s;
         std::optional<std::string> name;
