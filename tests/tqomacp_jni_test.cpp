@@ -11,6 +11,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fake_jni.h"
@@ -162,15 +163,11 @@ TEST_F(TqomacpJniGetters, ServiceNamesGoByPositionAndRunIntoTheBearerTable) {
     // A PXPHYSICAL port with 40 services reaches past both tables.
     auto phys = ctx.Chain(&px[0]->ptPxPhysical, 1);
     ctx.Chain(&ctx.Chain(&phys[0]->ptPort, 1)[0]->ptService, 40);
-    struct Row {
-        jint s;
-        std::optional<std::string> name;
-    };
-    const Row rows[] = {{1, "CO-WSP"}, {9, "OTA-HTTP-TLS-PO"}, {10, "Unkown Service"}, {11, "GSM-USSD"},
-                        {37, "WLAN"},  {38, "Unkown Bearer"},  {39, std::nullopt},     {40, std::nullopt}};
-    for (const Row &r : rows) {
-        EXPECT_EQ(S(jni_tqomacp_GetPxPhysicalPortServiceData(env, nullptr, 1, 1, 1, r.s)), r.name) << r.s;
-    }
+    const std::pair<jint, std::optional<std::string>> rows[] = {
+        {1, "CO-WSP"}, {9, "OTA-HTTP-TLS-PO"}, {10, "Unkown Service"}, {11, "GSM-USSD"},
+        {37, "WLAN"},  {38, "Unkown Bearer"},  {39, std::nullopt},     {40, std::nullopt}};
+    for (const auto &[s, name] : rows)
+        EXPECT_EQ(S(jni_tqomacp_GetPxPhysicalPortServiceData(env, nullptr, 1, 1, 1, s)), name) << s;
     EXPECT_EQ(jni_tqomacp_GetPxPhysicalPortServiceCount(env, nullptr, 1, 1, 1), 40);
 }
 
