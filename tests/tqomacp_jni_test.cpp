@@ -412,6 +412,7 @@ TEST_F(TqomacpJniSession, RefusedPushesLeaveTheEmptyState) {
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, nullptr, 10, 0), JNI_FALSE);
     ExpectEmpty();
     EXPECT_EQ(jvm.calls("GetByteArrayElements"), 0u);
+    // Elements taken and released though the header is refused (TearDown checks).
     EXPECT_EQ(jni_tqomacp_parser(env, nullptr, jvm.newByteArray({}), 0, 1), JNI_FALSE);
     ExpectEmpty();
     EXPECT_TRUE(TakeLiveBlocks().empty());
