@@ -181,26 +181,6 @@ TEST(TqsList, DeletionUnlinksTheNodeBeforeReleasingItsItem) {
     tqsListDeleteNodeAllAndList(g_inspected, kKeep);
 }
 
-TEST(TqsList, CursorAndTakeOperations) {
-    TqsList *list = ListOf("012");
-    EXPECT_EQ(Ops(list, "cnd1n"), "02");  // the cursor was on 1 when it was deleted
-    EXPECT_EQ(Walk(list), "02");
-    // A cursor on the freed head would be read after free (ASan): it moves on.
-    EXPECT_EQ(Ops(list, "cfn"), "2");
-    EXPECT_EQ(Ops(list, "ff"), "");  // the second one on an empty list: nothing done
-    EXPECT_EQ(tqsListGetCount(list), 0u);
-    tqsListDeleteNodeAllAndList(list, kKeep);
-
-    list = ListOf("0123");
-    // The cursor follows the taken head; taking at the cursor's end gives null.
-    EXPECT_EQ(Ops(list, "cFnNnN"), "0123-");
-    EXPECT_EQ(Walk(list), "13");
-    EXPECT_EQ(Ops(list, "cN"), "1");  // cursor on the head
-    EXPECT_EQ(Ops(list, "FF"), "3-");
-    EXPECT_EQ(list->ptHead, nullptr);
-    tqsListDeleteNodeAllAndList(list, kKeep);
-}
-
 TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
     MemCheck check;
     TqsList *list = ListOf("0123");
@@ -223,37 +203,46 @@ TEST(TqsList, IndexAndDeleteNodeDropsTheNodesBeforeTheIndex) {
 }
 
 // Appending after each kind of removal (and a prepend): the new node lands
-// behind the last node of the chain as it stands, wherever that is now.
+// behind the last node of the chain as it stands, wherever that is now. A
+// cursor on a node that goes moves on (left there it would be read after free).
 TEST(TqsList, AppendAfterRemovalsLandsAtTheEndOfTheChain) {
     struct Case {
         const char *name, *removal, *taken;
+        uint32_t count;     // after the removal, dropped nodes included
         size_t dropped;     // nodes out of the chain, never freed
         std::string chain;  // after appending 7
-        uint32_t count;     // after appending 7 and 6: dropped nodes count until the chain is empty
     } cases[] = {
-        {"find the tail", "d3", "", 0, "0127", 5},
-        {"find the head", "d0", "", 0, "1237", 5},
-        {"first until empty", "ffff", "", 0, "7", 2},
-        {"all", "a", "", 0, "7", 2},
-        {"prepend to the emptied list", "a<4", "", 0, "47", 3},
-        {"take the first", "F", "0", 0, "1237", 5},
-        {"take the cursor on the tail", "cnnnN", "0123", 0, "0127", 5},
-        {"take the tail by index (the head jumps to null)", "i3", "3", 3, "7", 2},
-        {"take an inner node by index", "i1", "1", 1, "237", 5},
+        {"find the tail", "d3", "", 3, 0, "0127"},
+        {"find the head", "d0", "", 3, 0, "1237"},
+        {"find the cursor's node", "cnd1n", "02", 3, 0, "0237"},
+        {"first under the cursor", "cfn", "1", 3, 0, "1237"},
+        {"first until empty, and once more: nothing done", "fffff", "", 0, 0, "7"},
+        {"all", "a", "", 0, 0, "7"},
+        {"prepend to the emptied list", "a<4", "", 1, 0, "47"},
+        {"take the first", "F", "0", 3, 0, "1237"},
+        {"take the first past the end: null", "FFFFF", "0123-", 0, 0, "7"},
+        {"take the cursor's node at the head", "cN", "0", 3, 0, "1237"},
+        // The cursor follows the taken head; taking at the cursor's end gives null.
+        {"take the head, then the cursor's nodes", "cFnNnN", "0123-", 2, 0, "137"},
+        {"take the cursor on the tail", "cnnnN", "0123", 3, 0, "0127"},
+        {"take the tail by index (the head jumps to null)", "i3", "3", 3, 3, "7"},
+        {"take an inner node by index", "i1", "1", 3, 1, "237"},
         // Taken and freed; the cursor moves on to the other dropped node.
-        {"take the cursor on a dropped node", "ci2Nnn", "2013", 1, "37", 4},
-        {"prepend", "<4", "", 0, "401237", 7},
+        {"take the cursor on a dropped node", "ci2Nnn", "2013", 2, 1, "37"},
+        {"prepend", "<4", "", 5, 0, "401237"},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         MemCheck check;
         TqsList *list = ListOf("0123");
         EXPECT_EQ(Ops(list, c.removal), c.taken);
+        EXPECT_EQ(tqsListGetCount(list), c.count);
         Ops(list, "+7");
         EXPECT_EQ(Walk(list), c.chain);
         Ops(list, "+6");  // and again behind it
         EXPECT_EQ(Walk(list), c.chain + "6");
-        EXPECT_EQ(tqsListGetCount(list), c.count);
+        // An append to an empty chain counts from 1, dropped nodes or not.
+        EXPECT_EQ(tqsListGetCount(list), (c.chain == "7" ? 0 : c.count) + 2);
         tqsListDeleteNodeAllAndList(list, kKeep);
         EXPECT_EQ(check.Live().size(), c.dropped);
         check.FreeAll();
