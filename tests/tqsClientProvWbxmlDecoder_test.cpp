@@ -371,7 +371,7 @@ TEST_F(Decoder, TextReaders) {
     EXPECT_EQ(Consumed(), 4u);
 
     // A declared table length near 4 GiB would wrap length + 2; the table is
-    // sized by what the body has and the read fails as specified.
+    // sized by what the body has and the read still fails.
     Open({0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 'a', 'b'});
     EXPECT_EQ(tqsClientProvWbxmlDecoderMakeStrTable(dec_, &dec_->pStringTable), 0xFFFFFFFFu);
     ASSERT_NE(dec_->pStringTable, nullptr);
