@@ -77,8 +77,10 @@ std::string Corpus(const std::string &relative) {
 }
 
 Bytes Push(const Bytes &body) {
-    Bytes pdu = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80};
-    pdu.insert(pdu.end(), body.begin(), body.end());
+    const Bytes header = {0x01, 0x06, 0x03, 0xB6, 0x91, 0x80};
+    Bytes pdu(header);
+    pdu.resize(header.size() + body.size());
+    std::copy(body.begin(), body.end(), pdu.begin() + header.size());
     return pdu;
 }
 
