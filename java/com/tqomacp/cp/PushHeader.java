@@ -5,8 +5,6 @@ import java.security.GeneralSecurityException;
 import java.security.MessageDigest;
 import java.util.Arrays;
 import java.util.Objects;
-import javax.crypto.Mac;
-import javax.crypto.spec.SecretKeySpec;
 import org.jetbrains.annotations.NotNull;
 import org.jetbrains.annotations.Nullable;
 
@@ -134,14 +132,25 @@ public final class PushHeader {
     return pin.getBytes(StandardCharsets.US_ASCII);
   }
 
+  /** HMAC-SHA1 (RFC 2104) on the digest alone, so no key object or JCE provider is involved. */
   private static byte[] hmacSha1(byte[] key, byte[] data) {
+    MessageDigest sha1;
     try {
-      Mac hmac = Mac.getInstance("HmacSHA1");
-      hmac.init(new SecretKeySpec(key, "HmacSHA1"));
-      return hmac.doFinal(data);
+      sha1 = MessageDigest.getInstance("SHA-1");
     } catch (GeneralSecurityException e) {
-      throw new IllegalStateException("HmacSHA1 unavailable", e);
+      throw new IllegalStateException("SHA-1 unavailable", e);
     }
+    byte[] block = Arrays.copyOf(key.length > 64 ? sha1.digest(key) : key, 64);
+    byte[] inner = new byte[64];
+    byte[] outer = new byte[64];
+    for (int i = 0; i < 64; i++) {
+      inner[i] = (byte) (block[i] ^ 0x36);
+      outer[i] = (byte) (block[i] ^ 0x5C);
+    }
+    sha1.update(inner);
+    byte[] innerHash = sha1.digest(data);
+    sha1.update(outer);
+    return sha1.digest(innerHash);
   }
 
   /** The 20 bytes that 40 hexadecimal digits of either case spell; empty for anything else. */

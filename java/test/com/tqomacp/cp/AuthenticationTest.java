@@ -68,6 +68,9 @@ public class AuthenticationTest {
       // SEC as the text "SEC" and the value as the digit "1" (USERPIN).
       {push(EMPTY, USERPIN_MAC, 'S', 'E', 'C', 0, '1'), null, "1234", AUTHENTIC},
       {push(EMPTY, USERPIN_MAC.substring(0, 39), 0x91, 0x81), null, "1234", NOT_AUTHENTIC},
+      // A PIN longer than SHA-1's 64-byte block is hashed into the key first.
+      {push(EMPTY, "8ABA32953E3F40FDA50192B01AFDEFA47C72C5A1", 0x91, 0x81), null,
+          "1234567890".repeat(7), AUTHENTIC},
       {push(EMPTY, USERPIN_MAC, 0x91, 0x83), IMSI, "1234", UNSUPPORTED},
       {push(EMPTY, USERPIN_MAC, 0x91, 0x01), IMSI, "1234", UNSUPPORTED},
       {push(EMPTY, USERPIN_MAC), IMSI, "1234", NOT_SIGNED},
