@@ -6,8 +6,6 @@
 // CPDUMP_UPDATE_GOLDEN=1 and review the diff.
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <random>
@@ -18,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "shell_run.h"
 #include "sms_encode.h"
 
 namespace {
@@ -25,18 +24,15 @@ namespace {
 namespace fs = std::filesystem;
 using Bytes = std::vector<unsigned char>;
 using Args = std::vector<std::string>;
+using shellrun::ReadFile;
+using shellrun::Result;
 
 const fs::path kCorpus = CPDUMP_CORPUS_DIR;
 const fs::path kGolden = fs::path(CPDUMP_TEST_DIR) / "golden";
 const fs::path kInputs = fs::path(CPDUMP_TEST_DIR) / "inputs";
 
-std::string ReadText(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
 Bytes ReadBytes(const fs::path &path) {
-    const std::string s = ReadText(path);
+    const std::string s = ReadFile(path);
     return Bytes(s.begin(), s.end());
 }
 
@@ -45,31 +41,11 @@ void WriteBytes(const fs::path &path, const void *data, std::size_t size) {
     out.write(static_cast<const char *>(data), static_cast<std::streamsize>(size));
 }
 
-// The child's standard streams and the test's own files; gone at exit.
-struct Scratch {
-    const fs::path dir = [] {
-        char tmpl[] = "/tmp/cpdump-test-XXXXXX";
-        return fs::path(mkdtemp(tmpl));
-    }();
-    ~Scratch() {
-        std::error_code ec;
-        fs::remove_all(dir, ec);
-    }
-} const kScratch;
-
-struct Result {
-    int exit = -1;  // -1, or 128 + signal, when a crash ended it
-    std::string out, err;
-};
-
 // Runs cpdump with `args`, feeding `in` on standard input.
 Result RunCpdump(const Args &args, const Bytes &in = {}) {
-    const fs::path &dir = kScratch.dir;
-    WriteBytes(dir / "stdin", in.data(), in.size());
-    std::string command = "cd " + dir.string() + " && '" CPDUMP_BINARY "'";
+    std::string command = "'" CPDUMP_BINARY "'";
     for (const std::string &a : args) command += " '" + a + "'";
-    const int status = std::system((command + " <stdin >stdout 2>stderr").c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(dir / "stdout"), ReadText(dir / "stderr")};
+    return shellrun::Shell(command, std::string(in.begin(), in.end()));
 }
 
 std::string Corpus(const std::string &relative) {
@@ -131,7 +107,7 @@ TEST(GoldenOutput, MatchesCheckedInOutput) {
         EXPECT_EQ(r.err, "");
         const fs::path golden = kGolden / g.name;
         if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, r.out.data(), r.out.size());
-        EXPECT_EQ(r.out, ReadText(golden));
+        EXPECT_EQ(r.out, ReadFile(golden));
     }
 }
 
@@ -238,7 +214,7 @@ TEST(HexInput, GivesTheSameOutputAsBinary) {
     const Result binary = RunCpdump({Corpus(sample)});
     ASSERT_EQ(binary.exit, 0);
     const std::string hex = ToHex(pdu);
-    const fs::path path = kScratch.dir / "push.hex";
+    const fs::path path = shellrun::ScratchDir() / "push.hex";
     WriteBytes(path, hex.data(), hex.size());
     for (const Result &r : {RunCpdump({"-"}, pdu), RunCpdump({path.string()}),
                             RunCpdump({"-"}, Bytes(hex.begin(), hex.end()))}) {
@@ -336,7 +312,7 @@ TEST(CorpusPdus, RefusalsAsRecordedAndTheSameOutputFromSms) {
     EXPECT_GT(cut, 200);
     const fs::path golden = kGolden / "refused.txt";
     if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, refused.data(), refused.size());
-    EXPECT_EQ(refused, ReadText(golden));
+    EXPECT_EQ(refused, ReadFile(golden));
 }
 
 // Modem output as captured, and what is wrong with a set of TPDUs.
@@ -345,7 +321,7 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
     const std::vector<std::string> tpdus = Tpdus(pdu, 140, false, true);
     ASSERT_EQ(tpdus.size(), 4u);
     // AT+CMGL output: SMSC addresses, segments out of order, modem talk around them.
-    const std::string capture = ReadText(kInputs / "ws-bank-userpin-sms.txt");
+    const std::string capture = ReadFile(kInputs / "ws-bank-userpin-sms.txt");
     std::string seven_bit = tpdus[0];
     seven_bit.replace(2 * (8 + 10), 2, "00");  // DCS after the SMSC (8 bytes), GSM 7-bit
     // Without WAP port addressing nothing says what the SMS hold.

@@ -2,7 +2,8 @@
 // tools: the corpus documents, exact bytes of a small push, signatures, SMS,
 // and the errors.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
+
+#include "shell_run.h"
 
 #include <filesystem>
 #include <fstream>
@@ -16,26 +17,8 @@ namespace fs = std::filesystem;
 
 const fs::path kCorpus = CPMAKE_CORPUS_DIR;
 
-struct Result {
-    int exit = -1;
-    std::string out, err;
-};
-
-std::string Read(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
-
-// Runs a shell command line; standard input from `in`.
-Result Shell(const std::string &command, const std::string &in = "") {
-    static const fs::path dir = [] {
-        char tmpl[] = "/tmp/cpmake-test-XXXXXX";
-        return fs::path(mkdtemp(tmpl));
-    }();
-    std::ofstream(dir / "in", std::ios::binary) << in;
-    const int status = std::system(("cd " + dir.string() + " && (" + command + ") <in >out 2>err").c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read(dir / "out"), Read(dir / "err")};
-}
+using shellrun::Result;
+using shellrun::Shell;
 
 const std::string kCpmake = CPMAKE_BINARY, kCpdump = CPDUMP_BINARY;
 
@@ -119,7 +102,7 @@ TEST(CpmakeOutput, WrapsAndSignsLikeTheCorpusPdus) {
         SCOPED_TRACE(pdu.string());
         const Result r = Shell(kCpmake + " --wrap --pin 1234 " + entry.path().string());
         EXPECT_EQ(r.exit, 0) << r.err;
-        EXPECT_EQ(r.out, Read(pdu));
+        EXPECT_EQ(r.out, shellrun::ReadFile(pdu));
         ++checked;
     }
     EXPECT_GE(checked, 30);
