@@ -721,18 +721,23 @@ TEST_F(Decoder, JoinBoundCountsOnlyJoinsAndFailsLikeTheirAllocation) {
     wbxml::Builder values = In(prov::kPxLogical);
     for (int i = 0; i < 17; ++i) values.Parm(prov::kDomain, std::string(1 << 20, 'x'));
     EXPECT_EQ(Decode(values.End().End().Build()), 0u);
-    const std::string kNull = " pszData NULL";
+    const std::string kNull = " pszData NULL", kStr = "[Error] [tqsClientProvWbxmlDecoderGetStr]" + kNull;
     const struct {
         Bytes piece;
         TqsResult status;
         std::string line;
         size_t length;  // of the joined value: sixteen joins fit
     } joins[] = {
+        {{0x03, 'y', 0}, 0x1007, kStr, 0},
+        {{0x83, 0x00}, 0x1007, kStr, 0},  // table entry "y"
+        // The bound is the decode's, not the value's: NAME repeated appends to the one text ...
+        {{0x01, 0x87, 0x07, 0x06, 0x03, 'y', 0}, 0x1007, kStr, 0},
+        // ... and none of it is left for the next decode.
         {{prov::kIpv4}, 0, "[Error] [tqsClientProvWbxmlDecoderGetParamTokenVal]" + kNull, 1000000 + 16 * 4},
-        {{0x03, 'y', 0}, 0x1007, "[Error] [tqsClientProvWbxmlDecoderGetStr]" + kNull, 0},
     };
     for (const auto &j : joins) {
         wbxml::Builder b = ParmIn(prov::kNapDef, {0x07, prov::kValueAttr});
+        b.TableString("y");
         b.StrI(std::string(1000000, 'x'));
         for (int i = 0; i < 17; ++i) b.Bytes(j.piece);
         TraceCapture trace;
