@@ -13,12 +13,6 @@ void AppendMbUint32(std::vector<uint8_t> &out, uint32_t value) {
     out.push_back(groups[0]);
 }
 
-Builder &Builder::PublicId(uint32_t publicId) {
-    publicId_ = publicId;
-    literalIndex_ = 0;
-    return *this;
-}
-
 Builder &Builder::LiteralPublicId(std::string_view text) {
     publicId_ = 0;
     literalIndex_ = TableString(text);
@@ -26,13 +20,10 @@ Builder &Builder::LiteralPublicId(std::string_view text) {
 }
 
 uint32_t Builder::TableString(std::string_view text) {
-    // An identical string already in the table is reused, as encoders do.
-    auto [it, added] = tableIndex_.try_emplace(std::string(text), static_cast<uint32_t>(table_.size()));
-    if (added) {
-        table_.insert(table_.end(), text.begin(), text.end());
-        table_.push_back(0);
-    }
-    return it->second;
+    auto index = static_cast<uint32_t>(table_.size());
+    table_.insert(table_.end(), text.begin(), text.end());
+    table_.push_back(0);
+    return index;
 }
 
 Builder &Builder::UseStringTable(bool on) {
@@ -53,9 +44,9 @@ Builder &Builder::StrI(std::string_view text) {
     return Byte(kStrI).Bytes(std::vector<uint8_t>(text.begin(), text.end())).Byte(0);
 }
 
-Builder &Builder::StrT(uint32_t index) {
+Builder &Builder::StrT(std::string_view text) {
     Byte(kStrT);
-    AppendMbUint32(body_, index);
+    AppendMbUint32(body_, TableString(text));
     return *this;
 }
 

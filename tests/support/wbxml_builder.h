@@ -14,7 +14,6 @@
 #define TQOMACP_TESTS_WBXML_BUILDER_H
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,7 +42,6 @@ inline constexpr uint8_t kTagCharacteristic = 0x06;
 inline constexpr uint8_t kTagParm = 0x07;
 
 // Attribute tokens of the document element.
-inline constexpr uint8_t kVersion = 0x45;    // version=, value follows as a string
 inline constexpr uint8_t kVersion10 = 0x46;  // version="1.0"
 // Attribute tokens of characteristic and parm.
 inline constexpr uint8_t kTypeInline = 0x50;  // type=, name follows as a string
@@ -77,7 +75,6 @@ inline constexpr Token kResource{0x59, 1};
 
 // Parm names, page 0.
 inline constexpr Token kName{0x07, kAnyPage};  // NAME
-inline constexpr Token kNapAddrType{0x09, 0};
 inline constexpr Token kCallType{0x0A, 0};
 inline constexpr Token kAuthType{0x0C, 0};
 inline constexpr Token kAuthName{0x0D, 0};
@@ -98,7 +95,6 @@ inline constexpr Token kPortNbr{0x23, kAnyPage};
 inline constexpr Token kService{0x24, kAnyPage};
 inline constexpr Token kPhysicalProxyId{0x2F, 0};
 inline constexpr Token kClientId{0x30, 0};
-inline constexpr Token kPullEnabled{0x47, 0};
 inline constexpr Token kDnsAddr{0x48, 0};
 inline constexpr Token kAuthEntity{0x4E, 0};
 // Parm names, page 1.
@@ -115,18 +111,16 @@ inline constexpr uint8_t kAnalogModem = 0x90;  // page 0; page 1: "," (0x90)
 inline constexpr uint8_t kBitTransparent = 0x94;
 inline constexpr uint8_t kGsmGprs = 0xAB;
 inline constexpr uint8_t kPap = 0x9A;
-inline constexpr uint8_t kClWsp = 0xCA;
 
 }  // namespace prov
 
 class Builder {
    public:
     // ---- Header (written by Build(), in front of the body) ----------------
-    Builder &PublicId(uint32_t publicId);
     // Public id 0 followed by this string-table index (the text is added to
     // the table first when given).
     Builder &LiteralPublicId(std::string_view text = prov::kPublicIdText);
-    // Adds a string (with its zero) to the string table; returns its index.
+    // Appends a string (with its zero) to the string table; returns its index.
     uint32_t TableString(std::string_view text);
     // Typed helpers write strings as STR_T references instead of STR_I.
     Builder &UseStringTable(bool on = true);
@@ -137,9 +131,8 @@ class Builder {
     Builder &Tag(uint8_t id, bool content, bool attributes);
     Builder &End() { return Byte(kEnd); }
     Builder &StrI(std::string_view text);
-    Builder &StrT(uint32_t index);
-    Builder &StrT(std::string_view text) { return StrT(TableString(text)); }  // adds the text to the table
-    Builder &SwitchPage(uint8_t page);  // also updates the tracked attribute page
+    Builder &StrT(std::string_view text);  // adds the text to the table
+    Builder &SwitchPage(uint8_t page);     // also updates the tracked attribute page
 
     // ---- Provisioning helpers --------------------------------------------
     // <wap-provisioningdoc> with content; close with End().
@@ -178,7 +171,6 @@ class Builder {
     uint32_t publicId_ = prov::kPublicId;
     uint32_t literalIndex_ = 0;
     std::vector<uint8_t> table_;
-    std::map<std::string, uint32_t> tableIndex_;
     std::vector<uint8_t> body_;
     bool useTable_ = false;
     uint8_t attrPage_ = 0;
