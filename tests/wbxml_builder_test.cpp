@@ -26,7 +26,6 @@ TEST(WbxmlBuilder, MbUint32Encoding) {
 }
 
 TEST(WbxmlBuilder, HeaderAndStringTable) {
-    EXPECT_EQ(wbxml::Builder().Doc().End().Build(), (Bytes{0x03, 0x0B, 0x6A, 0x00, 0x45, 0x01}));
     // A literal public id goes first in the table.
     Bytes literal{0x03, 0x00, 0x00, 0x6A, 30};
     for (char c : std::string("-//WAPFORUM//DTD PROV 1.0//EN")) literal.push_back(static_cast<uint8_t>(c));
