@@ -117,7 +117,6 @@ TEST(CpmakeOutput, SignaturesVerifyWithCpdump) {
         {"--imsi 466923103145252", "--imsi 466923103145252", "NETWPIN\",\n    \"result\": \"authentic", 0},
         {"--pin 1234 --imsi 001010123456789", "--pin 1234 --imsi 001010123456789",
          "USERNETWPIN\",\n    \"result\": \"authentic", 0},
-        {"--pin 1234", "--pin 4321", "\"not authentic", 3},
         {"--sec USERPIN", "--pin 1234", "\"not signed", 3},
     };
     for (const auto &c : cases) {
