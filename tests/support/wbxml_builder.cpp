@@ -26,11 +26,6 @@ uint32_t Builder::TableString(std::string_view text) {
     return index;
 }
 
-Builder &Builder::UseStringTable(bool on) {
-    useTable_ = on;
-    return *this;
-}
-
 Builder &Builder::Bytes(const std::vector<uint8_t> &bytes) {
     body_.insert(body_.end(), bytes.begin(), bytes.end());
     return *this;
@@ -65,10 +60,6 @@ Builder &Builder::Characteristic(prov::Token type) {
 
 Builder &Builder::Characteristic(std::string_view typeName) {
     return Tag(prov::kTagCharacteristic, true, true).Byte(prov::kTypeInline).String(typeName).End();
-}
-
-Builder &Builder::EmptyCharacteristic(prov::Token type) {
-    return Tag(prov::kTagCharacteristic, false, true).AttrPage(type.page).Bytes({type.byte, kEnd});
 }
 
 Builder &Builder::DocVersion10() {

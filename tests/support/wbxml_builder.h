@@ -123,7 +123,10 @@ class Builder {
     // Appends a string (with its zero) to the string table; returns its index.
     uint32_t TableString(std::string_view text);
     // Typed helpers write strings as STR_T references instead of STR_I.
-    Builder &UseStringTable(bool on = true);
+    Builder &UseStringTable() {
+        useTable_ = true;
+        return *this;
+    }
 
     // ---- Raw body bytes --------------------------------------------------
     Builder &Byte(uint8_t b) { return Bytes({b}); }
@@ -142,8 +145,6 @@ class Builder {
     Builder &Characteristic(prov::Token type);
     // <characteristic type="name"> (inline type, e.g. "ROAMING", "WI-FI").
     Builder &Characteristic(std::string_view typeName);
-    // Empty <characteristic type=.../>.
-    Builder &EmptyCharacteristic(prov::Token type);
     // <parm name=TOKEN value="text"/>, <parm name=TOKEN value=VALUE-TOKEN/>, <parm name=TOKEN/>
     Builder &Parm(prov::Token name, std::string_view value);
     Builder &Parm(prov::Token name, uint8_t valueToken) {
