@@ -96,7 +96,6 @@ std::set<void *> LiveAddresses(const MemCheck &mem) {
 
 // Through the characteristic, which calls each slot's own routine (ROAMING has none).
 TEST(WapTreeRelease, EverySlotReleasesAllButTheKeptBlocks) {
-    EXPECT_EQ(tqsClientProvWbxmlDeleteWapDoc(nullptr), 0u);
     EXPECT_EQ(tqsClientProvWbxmlDeleteCharacter(nullptr), 0u);
     for (size_t slot = 0; slot < waptree::Slots().size(); ++slot) {
         SCOPED_TRACE(waptree::Slots()[slot].type);
