@@ -1,11 +1,9 @@
 #include "fake_jni.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iterator>
 #include <map>
 #include <set>
 #include <type_traits>
@@ -79,12 +77,6 @@ bool isModifiedUtf8(const char *text) {
     return true;
 }
 
-bool isKnownVersion(jint version) {
-    static const jint kVersions[] = {0x00010001, 0x00010002, 0x00010004, 0x00010006, 0x00010008,
-                                     0x00090000, 0x000a0000, 0x00130000, 0x00140000, 0x00150000};
-    return std::find(std::begin(kVersions), std::end(kVersions), version) != std::end(kVersions);
-}
-
 // What the library gets pointers to. Standard layout, so that a callback can
 // get from the env or vm pointer back to its owner.
 struct Tables {
@@ -152,7 +144,7 @@ jint JNICALL vmGetEnv(JavaVM *vm, void **penv, jint version) {
     State *s = reinterpret_cast<Tables *>(reinterpret_cast<char *>(vm) - offsetof(Tables, vm))->owner;
     ++s->calls["GetEnv"];
     if (penv == nullptr) fatal("GetEnv with a null out pointer");
-    if (!isKnownVersion(version) || version > s->supportedVersion) {
+    if (version > s->supportedVersion) {
         *penv = nullptr;
         return JNI_EVERSION;
     }
@@ -181,10 +173,8 @@ jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod
     Registration reg{cls->text, {}};
     for (jint i = 0; i < n; ++i) {
         const JNINativeMethod &m = methods[i];
-        if (m.name == nullptr || m.signature == nullptr || m.fnPtr == nullptr || m.signature[0] != '(' ||
-            std::strchr(m.signature, ')') == nullptr) {
-            return refuse();
-        }
+        // The library pins its signatures at compile time; a real VM matches them (RegistrationTest).
+        if (m.name == nullptr || m.signature == nullptr || m.fnPtr == nullptr) return refuse();
         reg.methods.push_back({m.name, m.fnPtr});
     }
     if (s->failing.count(cls->text) != 0) return refuse();
@@ -192,20 +182,17 @@ jint JNICALL envRegisterNatives(JNIEnv *env, jclass clazz, const JNINativeMethod
     return JNI_OK;
 }
 
+// The library asks only for the length of the PDU array.
 jsize JNICALL envGetArrayLength(JNIEnv *env, jarray array) {
     State *s = State::enter(env, "GetArrayLength");
-    if (array == nullptr) fatal("GetArrayLength on a null array");
-    const Object *o = s->find(array, "GetArrayLength");
-    if (o->kind == Kind::kByteArray) return o->length;
-    if (o->kind == Kind::kObjectArray) return static_cast<jsize>(o->elements.size());
-    fatal("GetArrayLength on an object that is not an array");
+    return s->resolve(array, Kind::kByteArray, "GetArrayLength")->length;
 }
 
 jbyte *JNICALL envGetByteArrayElements(JNIEnv *env, jbyteArray array, jboolean *isCopy) {
     State *s = State::enter(env, "GetByteArrayElements");
     Object *o = s->resolve(array, Kind::kByteArray, "GetByteArrayElements");
-    // A copy of exactly the array's length, as HotSpot makes it: kept until
-    // released, so elements never given back show as outstanding.
+    // A copy of exactly the array's length, as HotSpot makes it, kept until
+    // released: elements never given back show as outstanding.
     auto copy = std::make_unique<jbyte[]>(static_cast<std::size_t>(o->length));
     if (o->length != 0) std::memcpy(copy.get(), o->data.get(), static_cast<std::size_t>(o->length));
     jbyte *elements = copy.get();
@@ -221,9 +208,9 @@ void JNICALL envReleaseByteArrayElements(JNIEnv *env, jbyteArray array, jbyte *e
     if (taken == s->elements.end() || taken->second.first != o) {
         fatal("ReleaseByteArrayElements with elements not taken from this array");
     }
-    if (mode != JNI_ABORT && o->length != 0)
-        std::memcpy(o->data.get(), elems, static_cast<std::size_t>(o->length));
-    if (mode != JNI_COMMIT) s->elements.erase(taken);
+    // The library only reads the PDU: a write-back mode would be a change to notice.
+    if (mode != JNI_ABORT) fatal("ReleaseByteArrayElements: only JNI_ABORT is implemented");
+    s->elements.erase(taken);
 }
 
 jbyteArray JNICALL envNewByteArray(JNIEnv *env, jsize len) {
@@ -262,10 +249,7 @@ jstring JNICALL envNewStringUTF(JNIEnv *env, const char *utf) {
 jobjectArray JNICALL envNewObjectArray(JNIEnv *env, jsize len, jclass clazz, jobject init) {
     State *s = State::enter(env, "NewObjectArray");
     const Object *cls = s->resolve(clazz, Kind::kClass, "NewObjectArray");
-    if (len < 0) {
-        s->pending = "java/lang/NegativeArraySizeException";
-        return nullptr;
-    }
+    if (len < 0) fatal("NewObjectArray with a negative length");
     Object *initial = s->find(init, "NewObjectArray");
     Object *o = s->make(Kind::kObjectArray);
     o->elementClass = cls->text;

@@ -76,7 +76,7 @@ class FakeJvm {
     // Name of the last exception a real VM would have left pending (empty when
     // none); cleared by reset().
     const std::string &pendingException() const;
-    // Byte array elements taken and not yet released (JNI_COMMIT keeps them).
+    // Byte array elements taken and not yet released.
     std::size_t elementsOutstanding() const;
     // Calls per implemented JNI function name, e.g. calls("NewStringUTF").
     std::size_t calls(const std::string &function) const;
