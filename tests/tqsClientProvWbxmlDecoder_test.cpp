@@ -391,6 +391,7 @@ TEST_F(Decoder, HeaderAndPublicIdentifier) {
     } cases[] = {
         {"version only", {0x03}, 0x100B},
         {"public id 0x0B", {0x03, 0x0B, 0x6A, 0x00, 0x45, 0x01}, 0},
+        {"public id 0x0C", {0x03, 0x0C, 0x6A, 0x00, 0x45, 0x01}, 0x100B},
         {"public id 0, empty table", {0x03, 0x00, 0x00, 0x6A, 0x00, 0x45, 0x01}, 0x100B},
         {"literal id first in the table", wbxml::Builder().LiteralPublicId().Doc().End().Build(), 0},
         {"literal id at offset 2", atOffset2.LiteralPublicId().Doc().End().Build(), 0x100B},
