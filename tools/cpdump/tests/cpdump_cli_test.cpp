@@ -158,8 +158,7 @@ TEST(Options, TraceAndLeaksGoToStandardError) {
     ASSERT_EQ(leaks.exit, 0) << leaks.err;
     EXPECT_EQ(trace.out, plain);
     EXPECT_EQ(leaks.out, plain);
-    for (const char *text : {"tqsClinetProvWbxmlDecoderMain", "[Syncml] ", "Success"})
-        EXPECT_NE(trace.err.find(text), std::string::npos) << text;
+    EXPECT_NE(trace.err.find("tqsClinetProvWbxmlDecoderMain\n"), std::string::npos) << trace.err;
     EXPECT_GT(std::count(trace.err.begin(), trace.err.end(), '\n'), 100);
     // The tracker's own lines: the body copy of the push header is never
     // released, the header record is.
@@ -376,8 +375,7 @@ TEST(DamagedInput, NeverCrashesAndAlwaysGivesAVerdict) {
     // body, and --leaks ends standard error with its report line.
     const Args modes[] = {{"-"},          {"--body", "-"},        {"-"},
                           {"--xml", "-"}, {"--header-only", "-"}, {"--leaks", "--xml", "--body", "-"}};
-    std::uint32_t state = 20261121;  // deterministic damage: every run sees the same inputs
-    auto next = [&state] { return (state = state * 1664525u + 1013904223u) >> 8; };
+    std::mt19937 next(20261121);  // deterministic damage: every run sees the same inputs
     int decoded = 0;
     for (const char *seed : seeds) {
         const Bytes pdu = ReadBytes(kCorpus / seed);
