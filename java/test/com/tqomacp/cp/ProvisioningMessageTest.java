@@ -16,6 +16,7 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
+import java.util.function.BiConsumer;
 import java.util.function.IntFunction;
 import org.junit.Test;
 
@@ -46,9 +47,6 @@ public class ProvisioningMessageTest {
     assertEquals(Arrays.asList("APN", false, "ISDN", Arrays.asList(null, "GSM-GPRS"), null, true, "ISDN"),
         Arrays.asList(first.napAddressType(), first.napAddressTypeWithheld(), first.callType(),
             first.bearers(), second.napAddressType(), second.napAddressTypeWithheld(), second.callType()));
-    assertEquals(Arrays.asList("V11", null, null, "V22"), Arrays.asList(
-        first.validities().get(0).country(), first.validities().get(1),
-        second.validities().get(0), second.validities().get(1).country()));
     Roaming roaming = d.applications().get(0).roaming();
     assertEquals(Arrays.asList("1", "0", null), Arrays.asList(roaming.syncAllowed(),
         roaming.syncDefault(), d.applications().get(1).roaming()));
@@ -81,28 +79,11 @@ public class ProvisioningMessageTest {
   }
 
   @Test
-  public void headersAndRepairsOnKnownValues() throws ProvisioningException {
+  public void headerBodyIsACopy() throws ProvisioningException {
     PushHeader header = ProvisioningMessage.parseHeader(Samples.pdu("ws-bank-userpin.pdu"));
     byte[] body = header.body();
     body[0] ^= 1;
     assertNotEquals(body[0], header.body()[0]);
-    // The header of a push whose document is refused (the refusal reasons: the comparison above).
-    byte[] truncated = Samples.pdu("pdus/negative/moz-vendorconfig-truncated.pdu");
-    assertEquals(Security.NETWPIN, ProvisioningMessage.parseHeader(truncated).security());
-
-    ProvisioningDocument bank = ProvisioningMessage.parse(Samples.pdu("ws-bank-userpin.pdu")).document();
-    NapDef nap = bank.napDefs().get(0);
-    // NAP-ADDRTYPE E164 stored as text: CALLTYPE is back in its own field.
-    assertEquals(Arrays.asList("MY ISP CSD", "+35808124002", null, true, "ANALOG-MODEM", null),
-        Arrays.asList(nap.name(), nap.napAddress(), nap.napAddressType(),
-            nap.napAddressTypeWithheld(), nap.callType(), nap.init()));
-    assertEquals(Arrays.asList("GSM-CSD"), nap.bearers());
-    assertEquals("228", nap.validities().get(0).country());
-
-    ProvisioningDocument own =
-        ProvisioningMessage.parse(Samples.pdu("pdus/own/identity-vendor-access.pdu")).document();
-    assertEquals("empty", own.napDefs().get(0).init());
-    assertEquals("client-0001", own.clientIdentity());
   }
 
   private static void sameHeader(String at, PushHeader h) {
@@ -166,7 +147,7 @@ public class ProvisioningMessageTest {
             e -> tqomacp_GetPxAuthInfopAuthEntityData(n, k, e), a.authEntities());
       });
       each(at, tqomacp_GetPxNapValidityCount(n), x.validities(), (k, v) -> {
-        if (k != n) {
+        if (k.intValue() != n) {
           assertNull(at, v);
         } else {
           row(at, tqomacp_GetPxValidityData(n, k), v.country(), v.network(), v.sid(), v.soc(),
@@ -229,16 +210,11 @@ public class ProvisioningMessageTest {
             x.userCertificate(), x.phase1(), x.authAlgorithm(), x.priority()));
   }
 
-  /** A check of the k-th item of a list (k from 1). */
-  private interface ItemCheck<T> {
-    void check(int k, T item);
-  }
-
-  /** The natives' count against the list, then each item. */
-  private static <T> void each(String at, int count, List<T> items, ItemCheck<T> check) {
+  /** The natives' count against the list, then each item with its number k (from 1). */
+  private static <T> void each(String at, int count, List<T> items, BiConsumer<Integer, T> check) {
     assertEquals(at, count, items.size());
     for (int k = 1; k <= count; k++) {
-      check.check(k, items.get(k - 1));
+      check.accept(k, items.get(k - 1));
     }
   }
 
