@@ -77,7 +77,6 @@ TEST(GoldenOutput, MatchesCheckedInOutput) {
         // Bodies wrapped into PDUs by the corpus script.
         {"gaia-tef-movistar.json", {Corpus("pdus/gaia-tef-movistar.mac.pdu")}},
         {"gaia-tef-movistar.xml", {"--xml", Corpus("pdus/gaia-tef-movistar.pdu")}},
-        // Bodies alone.
         {"moz-cht-emome-codepage1.json", {"--body", Corpus("moz-cht-emome-codepage1.wbxml")}},
         {"moz-cht-emome-codepage1.xml", {"--body", "--xml", Corpus("moz-cht-emome-codepage1.wbxml")}},
         {"sfos-sonera.json", {"--body", Corpus("sfos-sonera.wbxml")}},
@@ -95,7 +94,6 @@ TEST(GoldenOutput, MatchesCheckedInOutput) {
         {"sample.json", {}},
         {"sample.xml", {"--xml"}},
         {"sample.header.json", {"--header-only"}},
-        // A person's view.
         {"sample.summary.txt", {"--summary", "--pin=1234"}},
         {"sfos-sonera.summary.txt", {"--summary", "--body", Corpus("sfos-sonera.wbxml")}},
         {"ws-bank-userpin.summary.txt", {"--summary", "--pin=1234", Corpus("ws-bank-userpin.pdu")}},

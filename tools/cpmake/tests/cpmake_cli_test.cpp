@@ -6,8 +6,6 @@
 #include "shell_run.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 
