@@ -23,8 +23,8 @@ inline std::string ReadFile(const std::filesystem::path &path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-// This test binary's scratch folder, removed at exit.
-inline const std::filesystem::path &ScratchDir() {
+// Runs `command` in this test binary's scratch folder, removed at exit.
+inline Result Shell(const std::string &command, const std::string &in = "") {
     static const struct Dir {
         std::filesystem::path path = [] {
             char tmpl[] = "/tmp/cptool-test-XXXXXX";
@@ -34,13 +34,8 @@ inline const std::filesystem::path &ScratchDir() {
             std::error_code ec;
             std::filesystem::remove_all(path, ec);
         }
-    } dir;
-    return dir.path;
-}
-
-// Runs `command` with the scratch folder as working directory.
-inline Result Shell(const std::string &command, const std::string &in = "") {
-    const std::filesystem::path &dir = ScratchDir();
+    } scratch;
+    const std::filesystem::path &dir = scratch.path;
     std::ofstream(dir / "in", std::ios::binary) << in;
     const int status = std::system(("cd " + dir.string() + " && (" + command + ") <in >out 2>err").c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(dir / "out"), ReadFile(dir / "err")};
