@@ -40,19 +40,6 @@ SmlBuffer *Filled(uint32_t capacity, uint32_t count, uint32_t consumed = 0) {
     return buffer;
 }
 
-TEST(SmlBuffer, CreateAllocationLinesAndZeroAtEnd) {
-    MemCheck check;
-    SmlBuffer *buffer = nullptr;
-    ASSERT_EQ(smlBufferCreate(&buffer, 10), TQS_OK);
-    EXPECT_EQ(check.CountAt(kUnit, 130), 1u);
-    EXPECT_EQ(check.CountAt(kUnit, 138), 1u);
-    EXPECT_EQ(*buffer->pEnd, 0);  // own storage is one byte longer
-    EXPECT_EQ(smlBufferGetRemainSize(buffer), 10u);
-    EXPECT_EQ(Data(buffer), Bytes{});
-    EXPECT_EQ(smlBufferDelete(buffer), TQS_OK);
-    EXPECT_TRUE(check.Live().empty());
-}
-
 TEST(SmlBuffer, GrowthSizes) {
     MemCheck check;
     struct Case {
@@ -85,10 +72,7 @@ TEST(SmlBuffer, AppendGetDataAndPull) {
     EXPECT_EQ(smlBufferGetDataBuffer(buffer, 6), buffer->pTail);
     EXPECT_EQ(smlBufferGetDataBuffer(buffer, 7), nullptr);
     EXPECT_EQ(smlBufferGetData(buffer, out, 7), TQS_ERROR_BUFFER_NO_DATA);
-    EXPECT_EQ(smlBufferPull(buffer, 2), TQS_OK);
-    EXPECT_EQ(Data(buffer), Iota(6, 4));
-    EXPECT_EQ(smlBufferPull(buffer, 4), TQS_OK);
-    EXPECT_EQ(Data(buffer), Bytes{});
+    EXPECT_EQ(smlBufferPull(buffer, 6), TQS_OK);
     EXPECT_EQ(smlBufferGetData(buffer, out, 0), TQS_ERROR_BUFFER_NO_DATA);
     EXPECT_EQ(smlBufferAppendStr(buffer, "ab"), TQS_OK);
     EXPECT_EQ(Data(buffer), (Bytes{'a', 'b'}));
@@ -161,7 +145,9 @@ TEST(SmlBuffer, InsertHead) {
         ASSERT_EQ(smlBufferInsertHead(buffer, "xy", 2), TQS_OK) << c.name;
         EXPECT_EQ(buffer->nBufSize, c.bufSize) << c.name;
         EXPECT_EQ(Data(buffer), c.data) << c.name;
-        if (c.consumed != 0) { EXPECT_EQ(buffer->pTail, tail) << c.name; }
+        if (c.consumed != 0) {
+            EXPECT_EQ(buffer->pTail, tail) << c.name;
+        }
         EXPECT_EQ(check.Live().size(), 2u) << c.name;  // the scratch copy (line 300) is freed again
         smlBufferDelete(buffer);
     }
@@ -207,11 +193,19 @@ TEST(SmlBuffer, ShiftheadAndInit) {
     smlBufferDelete(buffer);
 }
 
-TEST(SmlBuffer, OutsideStorage) {
+// The zero behind own storage is the decoder record test's (its body buffer).
+TEST(SmlBuffer, OwnAndOutsideStorage) {
     MemCheck check;
+    SmlBuffer *buffer = nullptr;
+    ASSERT_EQ(smlBufferCreate(&buffer, 10), TQS_OK);
+    EXPECT_EQ(check.CountAt(kUnit, 130), 1u);
+    EXPECT_EQ(check.CountAt(kUnit, 138), 1u);
+    EXPECT_EQ(smlBufferGetRemainSize(buffer), 10u);
+    EXPECT_EQ(smlBufferDelete(buffer), TQS_OK);
+    EXPECT_TRUE(check.Live().empty());
+
     unsigned char storage[32];
     std::fill(std::begin(storage), std::end(storage), 0xEE);
-    SmlBuffer *buffer = nullptr;
     ASSERT_EQ(smlBufferCreateOutsideBuf(&buffer, storage, 16), TQS_OK);
     EXPECT_EQ(check.CountAt(kUnit, 231), 1u);
     EXPECT_EQ(Bytes(storage, storage + 17), Bytes({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xEE}));

@@ -14,7 +14,7 @@ std::string Dir() {
     return TQOMACP_CORPUS_DIR;
 }
 
-std::string Path(const std::string &path) {
+static std::string Path(const std::string &path) {
     if (!path.empty() && path[0] == '/') return path;
     return Dir() + "/" + path;
 }

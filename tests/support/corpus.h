@@ -11,8 +11,6 @@ namespace corpus {
 
 // The corpus folder, as configured (TQOMACP_CORPUS_DIR).
 std::string Dir();
-// Absolute path of a corpus-relative path (absolute paths are kept).
-std::string Path(const std::string &path);
 // The whole file; a missing or unreadable file records a test failure and gives an empty vector.
 std::vector<unsigned char> Read(const std::string &path);
 // Absolute paths matching the pattern, sorted; empty when none match.

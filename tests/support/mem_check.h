@@ -1,11 +1,5 @@
 // Leak-tracker scope for tests: switches the library's tracking allocator on
 // for its lifetime and lets a test look at the blocks still allocated.
-//
-//   MemCheck check;
-//   ... run library code ...
-//   EXPECT_TRUE(check.Live().empty());
-//   EXPECT_EQ(check.CountAt("jni/src/ClientProv/tqslist", 38), 1u);
-//
 // The destructor stops tracking without printing the report (the entries are
 // dropped first); the blocks themselves are not freed.
 #ifndef TQOMACP_TESTS_SUPPORT_MEM_CHECK_H

@@ -1,10 +1,6 @@
 // Capturing trace sink for tests: while a TraceCapture lives, every finished
 // trace line of the library is collected in lines(). Captures nest: the inner
 // one collects, and the outer one is reinstalled when the inner one ends.
-//
-//   TraceCapture trace;
-//   tqcTraceFunction("tqsFoo");
-//   EXPECT_EQ(trace.lines(), std::vector<std::string>{"[Syncml] tqsFoo()\n"});
 #ifndef TQOMACP_TESTS_SUPPORT_TRACE_CAPTURE_H
 #define TQOMACP_TESTS_SUPPORT_TRACE_CAPTURE_H
 
