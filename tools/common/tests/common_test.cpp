@@ -14,11 +14,6 @@
 namespace cpcommon {
 namespace {
 
-Bytes ReadCorpus(const std::string &name) {
-    std::ifstream in(std::string(CPCOMMON_CORPUS_DIR) + "/" + name, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-
 Credentials Pin(const char *pin) {
     return {pin, std::nullopt};
 }
@@ -48,7 +43,8 @@ TEST(MacKey, CorpusKnownAnswers) {
         {"apnprov-hiweb.wbxml", kSecNetwPin, Imsi("432129951539038"), "346A77EC", "63F0E9EB"},
     };
     for (const auto &c : cases) {
-        const Bytes body = ReadCorpus(c.body);
+        std::ifstream in(std::string(CPCOMMON_CORPUS_DIR) + "/" + c.body, std::ios::binary);
+        const Bytes body(std::istreambuf_iterator<char>(in), {});
         ASSERT_FALSE(body.empty()) << c.body;
         Bytes key;
         ASSERT_EQ(MacKey(c.sec, c.credentials, &key), KeyStatus::kOk);

@@ -36,11 +36,6 @@ Bytes ReadBytes(const fs::path &path) {
     return Bytes(s.begin(), s.end());
 }
 
-void WriteBytes(const fs::path &path, const void *data, std::size_t size) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(static_cast<const char *>(data), static_cast<std::streamsize>(size));
-}
-
 // Runs cpdump with `args`, feeding `in` on standard input.
 Result RunCpdump(const Args &args, const Bytes &in = {}) {
     std::string command = "'" CPDUMP_BINARY "'";
@@ -104,7 +99,7 @@ TEST(GoldenOutput, MatchesCheckedInOutput) {
         EXPECT_EQ(r.exit, 0) << r.err;
         EXPECT_EQ(r.err, "");
         const fs::path golden = kGolden / g.name;
-        if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, r.out.data(), r.out.size());
+        if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) std::ofstream(golden, std::ios::binary) << r.out;
         EXPECT_EQ(r.out, ReadFile(golden));
     }
 }
@@ -269,7 +264,7 @@ TEST(CorpusPdus, RefusalsAsRecordedAndTheSameOutputFromSms) {
     }
     EXPECT_GT(cut, 200);
     const fs::path golden = kGolden / "refused.txt";
-    if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) WriteBytes(golden, refused.data(), refused.size());
+    if (std::getenv("CPDUMP_UPDATE_GOLDEN") != nullptr) std::ofstream(golden, std::ios::binary) << refused;
     EXPECT_EQ(refused, ReadFile(golden));
 }
 
