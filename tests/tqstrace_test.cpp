@@ -4,7 +4,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -94,20 +93,19 @@ TEST(TqcTrace, OversizedInputsAreBounded) {
 }
 
 // Blocks of the trace unit alive while the sink runs, as "line:size".
+const MemCheck *g_check;
 std::vector<std::string> g_seen;
 void InspectingSink(const char *) {
-    if (ptMemCheckTable == nullptr) return;
-    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) {
-        const MemCheckEntry &e = ptMemCheckTable[i];
-        if (e.pAddress != nullptr && std::strcmp(e.pszFileName, kUnit) == 0) {
-            g_seen.push_back(std::to_string(e.nLine) + ":" + std::to_string(e.nSize));
-        }
+    for (const LiveBlock &b : g_check->Live()) {
+        if (b.file == kUnit) g_seen.push_back(std::to_string(b.line) + ":" + std::to_string(b.size));
     }
 }
 
-TEST(TqcTrace, LineBlocksAndTheirSizes) {
+// With leak tracking on, the formatters that allocate their line do so without
+// a sink too: with the table full each block's allocation and release print.
+TEST(TqcTrace, LineBlocksTheirSizesAndTakenWithoutSink) {
     MemCheck check;
-    g_seen.clear();
+    g_check = &check;
     tqcTraceSetSink(InspectingSink);
     tqcTraceFunction("abc");           // 3 + 31
     tqcTraceString("%s", "abcd");      // 4 + 101, twice
@@ -117,6 +115,18 @@ TEST(TqcTrace, LineBlocksAndTheirSizes) {
     tqcTraceSetSink(nullptr);
     EXPECT_EQ(g_seen, (std::vector<std::string>{"41:34", "96:105", "97:105", "228:46"}));
     EXPECT_TRUE(check.Live().empty());  // all freed after the write
+
+    std::vector<void *> fill;
+    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) fill.push_back(tqsMemAlloc_debug(1, "fill", i));
+    testing::internal::CaptureStdout();
+    tqcTraceFunction("f");
+    tqcTraceString("%s", "s");
+    tqcTraceExcption("m", "p", 1);
+    const std::string taken = "[syncml] MEMCHECK Not Found Empty Index\n";
+    const std::string freed = "[syncml] MEMCHECK Not Found Address \n";
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              taken + freed + taken + taken + freed + freed + taken + freed);
+    for (void *block : fill) tqsMemFree_debug(block);
 }
 
 // A page that faults on any read: a formatter that looked at its format text
@@ -167,24 +177,6 @@ TEST(TqcTrace, WithoutSinkNothingIsFormattedOrAllocated) {
     (tqcTrace)("direct %d", argument());
     EXPECT_EQ(evaluated, 2);
     EXPECT_EQ(trace.lines(), (Lines{"1\n", "direct 2\n"}));
-}
-
-// With leak tracking on, the formatters that allocate their line do so without
-// a sink too: with the table full each block's allocation and release print.
-TEST(TqcTrace, WithTrackingOnLineBlocksAreTakenWithoutSink) {
-    tqcTraceSetSink(nullptr);
-    MemCheck check;
-    std::vector<void *> fill;
-    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) fill.push_back(tqsMemAlloc_debug(1, "fill", i));
-    testing::internal::CaptureStdout();
-    tqcTraceFunction("f");
-    tqcTraceString("%s", "s");
-    tqcTraceExcption("m", "p", 1);
-    const std::string taken = "[syncml] MEMCHECK Not Found Empty Index\n";
-    const std::string freed = "[syncml] MEMCHECK Not Found Address \n";
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              taken + freed + taken + taken + freed + freed + taken + freed);
-    for (void *block : fill) tqsMemFree_debug(block);
 }
 
 }  // namespace
