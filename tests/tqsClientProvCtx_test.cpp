@@ -294,13 +294,11 @@ TEST_F(CtxTest, ApplicationChildrenKeepDocumentOrderAndReleaseRecordByRecord) {
     addr->ptCharacterList = ListOf({Port("1", {"a", "b"}), Port("2")});
     auto *app = New<tqsWapApplication>();
     app->ptCharacterList =
-        ListOf({Char(&C::ptAppAuth, With(&tqsWapAppAuth::pszAAuthLevel, "APPSRV")),
-                Char(&C::ptRoaming, With(&tqsWapRoaming::pszSyncAllowed, "1")), Char(&C::ptAppAddr, addr),
+        ListOf({Char(&C::ptAppAuth, With(&tqsWapAppAuth::pszAAuthLevel, "APPSRV")), Char(&C::ptAppAddr, addr),
                 Char(&C::ptAppAuth, With(&tqsWapAppAuth::pszAAuthLevel, "CLIENT"))});
     tqsCtxApplication *ctx = tqsClientProvCtxVerifyContextApplication(app);
     ASSERT_NE(ctx, nullptr);
     EXPECT_EQ(Names(ctx->ptAppAuth, &tqsCtxAppAuth::pszAAuthLevel), (Texts{"APPSRV", "CLIENT"}));
-    EXPECT_EQ(Names(ctx->ptRoaming, &tqsCtxRoaming::pszSyncAllowed), Texts{"1"});
     ASSERT_EQ(Names(ctx->ptAppAddr, &tqsCtxAppAddr::pszAddr), Texts{"host"});
     const tqsCtxPort *port = ctx->ptAppAddr->ptPort;
     ASSERT_EQ(Names(port, &tqsCtxPort::pszPortNbr), (Texts{"1", "2"}));
