@@ -66,7 +66,6 @@ TqsList *ListOf(std::initializer_list<void *> items) {
     return list;
 }
 
-// A characteristic holding `record` in its slot.
 template <typename T>
 tqsWapCharacter *CharOf(T *tqsWapCharacter::*slot, T *record) {
     auto *c = NewRecord<tqsWapCharacter>();

@@ -36,7 +36,6 @@ Bytes ReadBytes(const fs::path &path) {
     return Bytes(s.begin(), s.end());
 }
 
-// Runs cpdump with `args`, feeding `in` on standard input.
 Result RunCpdump(const Args &args, const Bytes &in = {}) {
     std::string command = "'" CPDUMP_BINARY "'";
     for (const std::string &a : args) command += " '" + a + "'";
