@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <random>
 #include <cstdlib>
 #include <filesystem>
@@ -172,11 +171,7 @@ TEST(Options, BodyAloneDecodesLikeThePush) {
 
 std::string ToHex(const Bytes &bytes) {
     std::string out;
-    char buf[3];
-    for (unsigned char b : bytes) {
-        std::snprintf(buf, sizeof buf, "%02x", b);
-        out += buf;
-    }
+    for (unsigned char b : bytes) out += {"0123456789abcdef"[b >> 4], "0123456789abcdef"[b & 0x0F]};
     return out;
 }
 
