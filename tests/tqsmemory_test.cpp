@@ -66,23 +66,6 @@ TEST(TqsMemory, EndMemCheckReportsLiveBlocksInTableOrder) {
     EXPECT_EQ(GetCapturedStdout(), "");
 }
 
-TEST(TqsMemory, FullTableLeavesFurtherBlocksUntracked) {
-    MemCheck check;
-    std::vector<void *> blocks;
-    for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) blocks.push_back(tqsMemAlloc_debug(1, kFile, i));
-    CaptureStdout();
-    void *extra = tqsMemAlloc_debug(1, kFile, 9999);
-    EXPECT_EQ(GetCapturedStdout(), "[syncml] MEMCHECK Not Found Empty Index\n");
-    ASSERT_NE(extra, nullptr);
-    EXPECT_EQ(check.CountAt(kFile, 9999), 0u);
-    EXPECT_EQ(check.Live().size(), TQS_MEMCHECK_ENTRIES);
-    EXPECT_EQ(tqsMemFindByAddress(blocks[5]), &ptMemCheckTable[5]);
-    EXPECT_EQ(tqsMemGetIndex(), &ptMemCheckTable[0]);
-    tqsMemFree_debug(extra);
-    for (void *block : blocks) tqsMemFree_debug(block);
-    EXPECT_EQ(tqsMemGetIndex(), nullptr);
-}
-
 TEST(TqsMemory, TrackingWithoutATableLeavesBlocksUntracked) {
     // The state a failed table allocation of tqsMemStartMemCheck leaves behind.
     bMemCheck = 1;

@@ -118,6 +118,7 @@ TEST(TqcTrace, LineBlocksTheirSizesAndTakenWithoutSink) {
 
     std::vector<void *> fill;
     for (uint32_t i = 0; i < TQS_MEMCHECK_ENTRIES; ++i) fill.push_back(tqsMemAlloc_debug(1, "fill", i));
+    ASSERT_EQ(check.Live().size(), TQS_MEMCHECK_ENTRIES);
     testing::internal::CaptureStdout();
     tqcTraceFunction("f");
     tqcTraceString("%s", "s");
