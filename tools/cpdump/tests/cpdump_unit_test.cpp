@@ -61,15 +61,13 @@ TEST(Escaping, JsonKeepsUtf8AndShowsOtherBytesXmlUsesEntities) {
     EXPECT_EQ(EscapeXml("l1\nl2"), "l1&#10;l2");
 }
 
-// Named codes (the decoder's own texts are checked below), codes the library
-// has no name for (0xA1 and 0xBD are just outside the bearers) and values that
-// are not a lone token, shown as stored.
+// Named codes the goldens do not show (the decoder's own texts are checked
+// below), codes the library has no name for (0xA1 and 0xBD are just outside
+// the bearers) and a value that is not a lone token, shown as stored.
 TEST(Tokens, OneByteValuesAreNamed) {
     const std::pair<const char *, const char *> cases[] = {
-        {"\xAB", "GSM-GPRS"}, {"\xCB", "CO-WSP"}, {"\xD3", "OTA-HTTP-TLS-PO"},
-        {"\x8D", "APPSRV"},   {"\xE1", "0xE1"},   {"\xC5", "0xC5"},
-        {"\x80", "0x80"},     {"\xA1", "0xA1"},   {"\xBD", "0xBD"},
-        {"\x89x", "\x89x"},   {"APN", "APN"},     {"", ""}};
+        {"\x8D", "APPSRV"}, {"\xE1", "0xE1"}, {"\xC5", "0xC5"},   {"\x80", "0x80"},
+        {"\xA1", "0xA1"},   {"\xBD", "0xBD"}, {"\x89x", "\x89x"}, {"\xD3", "OTA-HTTP-TLS-PO"}};
     for (auto [stored, shown] : cases) EXPECT_EQ(DisplayValue(stored), shown) << shown;
 }
 
