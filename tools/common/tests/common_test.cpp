@@ -14,9 +14,6 @@
 namespace cpcommon {
 namespace {
 
-Credentials Pin(const char *pin) {
-    return {pin, std::nullopt};
-}
 Credentials Imsi(const char *imsi) {
     return {std::nullopt, imsi};
 }
