@@ -86,7 +86,6 @@ TEST(GoldenOutput, MatchesCheckedInOutput) {
         // The built-in sample.
         {"sample.json", {}},
         {"sample.xml", {"--xml"}},
-        {"sample.header.json", {"--header-only"}},
         {"sample.summary.txt", {"--summary", "--pin=1234"}},
         {"sfos-sonera.summary.txt", {"--summary", "--body", Corpus("sfos-sonera.wbxml")}},
         {"ws-bank-userpin.summary.txt", {"--summary", "--pin=1234", Corpus("ws-bank-userpin.pdu")}},
@@ -187,7 +186,6 @@ TEST(Authentication, KnownMacsAndWrongCredentials) {
     } cases[] = {
         {"mihini-dm-bootstrap.pdu", {"--pin=1234"}, "authentic"},
         {"br-claro-portal-charset.pdu", {"--pin=1234"}, "authentic"},
-        {"vn-mobifone-vtv.pdu", {"--pin=1111"}, "authentic"},
         {"pdus/lg-otaf-manual.mac.pdu", {"--pin=1234", "--imsi=001010123456789"}, "authentic"},
         {"ws-bank-userpin.pdu", {"--pin=1235"}, "not authentic"},
         {"ph-smart-mms-netwpin.pdu", {"--pin=1234"}, "credential missing"},
