@@ -101,8 +101,8 @@ void InspectingSink(const char *) {
     }
 }
 
-// With leak tracking on, the formatters that allocate their line do so without
-// a sink too: with the table full each block's allocation and release print.
+// With leak tracking on, formatters take their line blocks sink or not: a sink
+// sees them; without one, a full table prints each allocation and release.
 TEST(TqcTrace, LineBlocksTheirSizesAndTakenWithoutSink) {
     MemCheck check;
     g_check = &check;
