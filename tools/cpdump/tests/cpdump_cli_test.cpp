@@ -290,11 +290,10 @@ TEST(SmsInput, ModemCapturesAndBrokenSegmentSets) {
 }
 
 // A document of `characteristics` in a push without MAC.
-Bytes Doc(const Bytes &characteristics) {
-    Bytes body = {0x03, 0x0B, 0x6A, 0x00, 0xC5, 0x46, 0x01};
-    body.insert(body.end(), characteristics.begin(), characteristics.end());
-    body.push_back(0x01);
-    return Push(body);
+Bytes Doc(Bytes characteristics) {
+    characteristics.insert(characteristics.begin(), {0x03, 0x0B, 0x6A, 0x00, 0xC5, 0x46, 0x01});
+    characteristics.push_back(0x01);
+    return Push(characteristics);
 }
 
 // The header reasons themselves are pinned in the unit test, the refusals of
