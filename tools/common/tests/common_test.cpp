@@ -131,7 +131,6 @@ TEST(Sms, DamagedTpduSaysWhy) {
         t[at] = value;
         return t;
     };
-    const std::size_t udl = 18;
     SmsSegment concat = good;
     concat.concatenated = true;
     concat.total = 2;
@@ -142,7 +141,7 @@ TEST(Sms, DamagedTpduSaysWhy) {
         const char *error;
     } cases[] = {
         {with(0, 0x06), "message type 2 is neither SMS-DELIVER nor SMS-SUBMIT"},
-        {with(udl, 0x20), "user data length 32, but 17 bytes follow"},
+        {with(18, 0x20), "user data length 32, but 17 bytes follow"},  // the UDL
         {Bytes(tpdu.begin(), tpdu.begin() + 12), "ends inside the time stamp"},
         {with(22, 0x80), "destination port 32900 is not a WAP push port (2948 or 2949)"},
         {with(21, 0x03), "user data header element 0x05 of 3 bytes, not 4"},

@@ -155,8 +155,7 @@ TEST(Options, TraceAndLeaksGoToStandardError) {
 
 // The built-in sample's body decodes as the tail of the whole sample push.
 TEST(Options, BodyAloneDecodesLikeThePush) {
-    const Result push = RunCpdump({});
-    const Result body = RunCpdump({"--body"});
+    const Result push = RunCpdump({}), body = RunCpdump({"--body"});
     ASSERT_EQ(body.exit, 0) << body.err;
     const std::size_t at = push.out.find("  \"wbxml\"");
     ASSERT_NE(at, std::string::npos);
@@ -169,10 +168,8 @@ std::string ToHex(const Bytes &bytes) {
     return out;
 }
 
-// The MACs the corpus sources gave (SOURCES.md "verified"; ws-bank-userpin's is
-// in its summary golden) and wrong credentials (the other verdicts are pinned
-// in the tools/common test); the header alone is enough to check a MAC, even
-// of a push whose body is refused.
+// MACs the corpus sources gave (SOURCES.md "verified"; ws-bank-userpin's is in its summary golden) and
+// wrong credentials; the header alone is enough to check a MAC, even of a push whose body is refused.
 TEST(Authentication, KnownMacsAndWrongCredentials) {
     const struct {
         std::string pdu;
