@@ -594,7 +594,8 @@ TEST_F(Decoder, ParmValues) {
     wbxml::Builder start = In(prov::kResource);
     start.Parm(prov::kStartPage).End().Characteristic(prov::kPxLogical).Parm(prov::kStartPage).End();
     wbxml::Builder init = In(prov::kNapDef);
-    init.NamedParm("INIT").End().Characteristic(prov::kNapDef).NamedParm("INIT", "v").End();
+    init.NamedParm("INIT").End().Characteristic(prov::kNapDef).NamedParm("INIT", "v").NamedParm("X").End();
+    init.Characteristic(prov::kApplication).NamedParm("INIT").End();
     auto failingDomain = [](prov::Token type) {
         return ParmIn(type, {0x17, 0x22, 0x01}).Parm(prov::kToNapId, "n").End().End();
     };
@@ -610,8 +611,9 @@ TEST_F(Decoder, ParmValues) {
         Decoded(vendor.End().End(), "VENDORCONFIG\n  B=2\n  NAME=V\n", 2),
         // RESOURCE: STARTPAGE without value marks the start page; PXLOGICAL does not.
         Decoded(start.End(), "RESOURCE\n  STARTPAGE=startpage\nPXLOGICAL\n"),
-        // NAPDEF: INIT without value sets the constant; with a value, nothing.
-        Decoded(init.End(), "NAPDEF\n  INIT=empty\nNAPDEF\n"),
+        // NAPDEF: INIT without value sets the constant; with a value, another name, or in
+        // APPLICATION (its scratch block left), nothing.
+        Decoded(init.End(), "NAPDEF\n  INIT=empty\nNAPDEF\nAPPLICATION\n", 1),
         // A name-string parm whose name is not a string.
         Refused(OneParm(prov::kNapDef, {0x05, 0x45, 0x01}), {}, 1),
         // APPAUTH: AAUTHTYPE values separated by 0x90 become one comma-joined text; only APPAUTH takes 0x90.
