@@ -106,6 +106,7 @@ void InspectingSink(const char *) {
 TEST(TqcTrace, LineBlocksTheirSizesAndTakenWithoutSink) {
     MemCheck check;
     g_check = &check;
+    g_seen.clear();  // --gtest_repeat runs this again
     tqcTraceSetSink(InspectingSink);
     tqcTraceFunction("abc");           // 3 + 31
     tqcTraceString("%s", "abcd");      // 4 + 101, twice
